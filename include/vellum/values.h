@@ -75,12 +75,17 @@ VAL_EXPORT ValType ValGetType(const void *value) VAL_NOEXCEPT;
 
 /*
  * True when both are the same object, both null, or of one kind and equal: strings and data by
- * bytes, numbers by numeric value whatever their type, URLs by their absolute form, containers by
- * their members (sets and dictionaries in any order). A boolean equals no number.
+ * bytes, numbers by numeric value whatever their type (not-a-number equals itself), URLs by their
+ * absolute form, containers by their members (sets and dictionaries in any order) when they use the
+ * same callbacks. A boolean equals no number. Containers nested more than 1,000 deep equal only
+ * themselves.
  */
 VAL_EXPORT bool ValEqual(const void *a, const void *b) VAL_NOEXCEPT;
 
-/* Equal values have equal hashes, in every process of one build. Null hashes to 0. */
+/*
+ * Equal values have equal hashes, in every process of one build; but for addresses: of items under
+ * raw callbacks, and of values of type Other. Null hashes to 0.
+ */
 VAL_EXPORT uint64_t ValHash(const void *value) VAL_NOEXCEPT;
 
 /* A text for logs and debuggers; its form may change between releases. Never null but for memory. */
@@ -161,7 +166,8 @@ VAL_EXPORT size_t ValStringGetUTF16Length(const ValString *string) VAL_NOEXCEPT;
 
 /*
  * -1, 0 or 1 as `a` sorts before, with or after `b`. Null sorts before everything. Without options
- * the order is that of code points.
+ * the order is that of code points. With options, strings that are no valid Unicode sort behind all
+ * others, by their bytes. Every combination of options gives an order that can be sorted by.
  */
 VAL_EXPORT int ValStringCompare(const ValString *a, const ValString *b,
                                 ValCompareOptions options) VAL_NOEXCEPT;
@@ -170,8 +176,8 @@ VAL_EXPORT int ValStringCompare(const ValString *a, const ValString *b,
  * Finds `sought` in `string` (options: CaseInsensitive, Backwards). True when it occurs, and its
  * place in *found unless that is null. The empty string occurs nowhere.
  */
-VAL_EXPORT bool ValStringFind(const ValString *string, const ValString *sought,
-                              ValCompareOptions options, ValRange *found) VAL_NOEXCEPT;
+VAL_EXPORT bool ValStringFind(const ValString *string, const ValString *sought, ValCompareOptions options,
+                              ValRange *found) VAL_NOEXCEPT;
 
 VAL_EXPORT bool ValStringHasPrefix(const ValString *string, const ValString *prefix) VAL_NOEXCEPT;
 VAL_EXPORT bool ValStringHasSuffix(const ValString *string, const ValString *suffix) VAL_NOEXCEPT;
@@ -179,17 +185,23 @@ VAL_EXPORT bool ValStringHasSuffix(const ValString *string, const ValString *suf
 /* A stretch of a string. Null when the range leaves the string or cuts a character in two. */
 VAL_EXPORT const ValString *ValStringCopySubstring(const ValString *string, ValRange range) VAL_NOEXCEPT;
 
-/* Without `trim` at both of its ends, as often as it stands there; exact comparison. */
+/* Without `trim` (null: nothing) at both of its ends, as often as it stands there; compared exactly. */
 VAL_EXPORT const ValString *ValStringCopyTrimming(const ValString *string,
                                                   const ValString *trim) VAL_NOEXCEPT;
 
 /* Without white space (Unicode's White_Space) at both of its ends. */
 VAL_EXPORT const ValString *ValStringCopyTrimmingWhitespace(const ValString *string) VAL_NOEXCEPT;
 
-/* Lower-cased character by character, the same in every locale: the key form of names. */
+/*
+ * Lower-cased character by character, the same in every locale: the key form of names. U+0130 becomes
+ * two characters, i and U+0307.
+ */
 VAL_EXPORT const ValString *ValStringCopyLowercase(const ValString *string) VAL_NOEXCEPT;
 
-/* The pieces between occurrences of `separator`, an array of strings; one piece if none occurs. */
+/*
+ * The pieces between occurrences of `separator`, an array of strings; one piece if none occurs, or
+ * the separator is empty or null.
+ */
 VAL_EXPORT const ValArray *ValStringCopyComponents(const ValString *string,
                                                    const ValString *separator) VAL_NOEXCEPT;
 
@@ -242,7 +254,7 @@ VAL_EXPORT bool ValBooleanGetValue(const ValBoolean *boolean) VAL_NOEXCEPT;
 
 /* ---- data and UUIDs -------------------------------------------------------------------------- */
 
-/* Copies `length` bytes. */
+/* Copies `length` bytes; `bytes` may be null when there are none. */
 VAL_EXPORT const ValData *ValDataCreate(const void *bytes, size_t length) VAL_NOEXCEPT;
 
 /*
@@ -289,14 +301,18 @@ VAL_EXPORT const ValString *ValUUIDCopyString(const ValUUID *uuid) VAL_NOEXCEPT;
  * read from the absolute form. "Escaped" parts are as they stand in the text.
  */
 
-/* Null when the text is no URL, or is relative and has no base. */
+/*
+ * Null when the text is no URL, or is relative and has no base. Characters that should stand escaped
+ * are let pass, but control characters are not, nor is what is no valid Unicode.
+ */
 VAL_EXPORT const ValURL *ValURLCreateWithString(const ValString *text, const ValURL *base) VAL_NOEXCEPT;
 VAL_EXPORT const ValURL *ValURLCreateWithBytes(const void *bytes, size_t length,
                                                const ValURL *base) VAL_NOEXCEPT;
 
 /*
  * A file URL from a POSIX path of any bytes but zero. A relative path is taken from `base`, or from
- * the current directory when that is null. `isDirectory` ends the URL's path with a slash.
+ * the current directory when that is null. `isDirectory` ends the URL's path with a slash. Doubled
+ * slashes stay. Null for an empty path.
  */
 VAL_EXPORT const ValURL *ValURLCreateWithFileSystemPath(const ValString *path, bool isDirectory,
                                                         const ValURL *base) VAL_NOEXCEPT;
@@ -343,10 +359,16 @@ VAL_EXPORT const ValString *ValURLCopyLastPathComponent(const ValURL *url) VAL_N
 /* The path's extension, decoded, without its dot; null when there is none. */
 VAL_EXPORT const ValString *ValURLCopyPathExtension(const ValURL *url) VAL_NOEXCEPT;
 
-/* The directory that holds it, ending with a slash; the root's is the root. No fragment, no query. */
+/*
+ * The directory that holds it, ending with a slash; the root's is the root. No fragment, no query.
+ * Null when the path has no slash.
+ */
 VAL_EXPORT const ValURL *ValURLCopyDeletingLastPathComponent(const ValURL *url) VAL_NOEXCEPT;
 
-/* With one more component (unescaped text) at the end of its path. No fragment, no query. */
+/*
+ * With one more component (unescaped text) at the end of its path. No fragment, no query. Slashes
+ * within it part several components; those in front of it are dropped. Null when nothing is left.
+ */
 VAL_EXPORT const ValURL *ValURLCopyAppendingPathComponent(const ValURL *url, const ValString *component,
                                                           bool isDirectory) VAL_NOEXCEPT;
 
@@ -355,7 +377,7 @@ VAL_EXPORT const ValURL *ValURLCopyAppendingPathComponent(const ValURL *url, con
 /*
  * What a container does with what is put into it. A null function means: keep the pointer-sized
  * item as it is, without counting (retain, release), by identity (equal, hash). `describe` may be
- * null. The functions must not change the container, and must outlive it.
+ * null. The struct is copied. The functions must not change the container, and must outlive it.
  */
 typedef struct {
     const void *(*retain)(const void *item);
@@ -397,7 +419,8 @@ VAL_EXPORT void ValArrayRemoveAll(ValArray *array) VAL_NOEXCEPT;
 
 /*
  * Dictionaries enumerate in the order in which their keys were first added. Null keys and null
- * values are refused by value callbacks and are plain zeros under raw ones.
+ * values are refused by callbacks that retain, and are plain zeros under others. A null array of no
+ * items makes an empty container.
  */
 VAL_EXPORT const ValDictionary *ValDictionaryCreate(const void *const *keys, const void *const *values,
                                                     size_t count) VAL_NOEXCEPT;
@@ -414,11 +437,14 @@ VAL_EXPORT bool ValDictionaryGetValueIfPresent(const ValDictionary *dictionary, 
                                                const void **value) VAL_NOEXCEPT;
 VAL_EXPORT bool ValDictionaryContainsKey(const ValDictionary *dictionary, const void *key) VAL_NOEXCEPT;
 
-/* Walks the entries: start with *cursor 0; false at the end. Key and value are borrowed. */
+/*
+ * Walks the entries: start with *cursor 0; false at the end. Key and value are borrowed. Entries may
+ * be removed, and values replaced, during a walk.
+ */
 VAL_EXPORT bool ValDictionaryNext(const ValDictionary *dictionary, size_t *cursor, const void **key,
                                   const void **value) VAL_NOEXCEPT;
 
-/* Adds the pair, or gives the key that is there another value. */
+/* Adds the pair, or gives the key that is there (which stays) another value. */
 VAL_EXPORT bool ValDictionarySetValue(ValDictionary *dictionary, const void *key,
                                       const void *value) VAL_NOEXCEPT;
 
@@ -437,10 +463,13 @@ VAL_EXPORT bool ValSetContains(const ValSet *set, const void *item) VAL_NOEXCEPT
 VAL_EXPORT bool ValSetGetMemberIfPresent(const ValSet *set, const void *item,
                                          const void **member) VAL_NOEXCEPT;
 
-/* Walks the members: start with *cursor 0; false at the end. The member is borrowed. */
+/*
+ * Walks the members: start with *cursor 0; false at the end. The member is borrowed. Members may be
+ * removed during a walk.
+ */
 VAL_EXPORT bool ValSetNext(const ValSet *set, size_t *cursor, const void **member) VAL_NOEXCEPT;
 
-/* Adds the item unless an equal one is there; true either way. */
+/* Adds the item unless an equal one (which stays) is there; true either way. Null as in dictionaries. */
 VAL_EXPORT bool ValSetAdd(ValSet *set, const void *item) VAL_NOEXCEPT;
 
 /* True when an equal member was there. */
@@ -449,15 +478,17 @@ VAL_EXPORT void ValSetRemoveAll(ValSet *set) VAL_NOEXCEPT;
 
 /* ---- character sets -------------------------------------------------------------------------- */
 
-/* Sets of Unicode code points, 0 to 0x10FFFF. */
-VAL_EXPORT const ValCharacterSet *ValCharacterSetCreateWithRange(uint32_t first, uint32_t last) VAL_NOEXCEPT;
+/* Sets of Unicode code points, 0 to 0x10FFFF. Null when `first` is greater than `last`. */
+VAL_EXPORT const ValCharacterSet *ValCharacterSetCreateWithRange(uint32_t first,
+                                                                 uint32_t last) VAL_NOEXCEPT;
 VAL_EXPORT ValCharacterSet *ValCharacterSetCreateMutable(void) VAL_NOEXCEPT;
 VAL_EXPORT ValCharacterSet *ValCharacterSetCreateMutableCopy(const ValCharacterSet *set) VAL_NOEXCEPT;
 
 /*
  * From the bitmap form: 8,192 bytes for U+0000 to U+FFFF, then, for each further plane, one byte
  * with its number (1 to 16) and 8,192 bytes. Bit n stands in byte n / 8, counted from the least
- * significant. A first part that is shorter is filled up with zeros. Null for any other shape.
+ * significant. A first part that is shorter is filled up with zeros. Null for any other shape, such
+ * as a plane that comes twice.
  */
 VAL_EXPORT const ValCharacterSet *ValCharacterSetCreateWithBitmap(const void *bytes,
                                                                   size_t length) VAL_NOEXCEPT;
@@ -479,9 +510,10 @@ VAL_EXPORT bool ValCharacterSetIsSuperset(const ValCharacterSet *set,
 VAL_EXPORT bool ValCharacterSetNextRange(const ValCharacterSet *set, uint32_t *first,
                                          uint32_t *last) VAL_NOEXCEPT;
 
-/* Both ends are included; code points above 0x10FFFF are left out. */
+/* Both ends are included; code points above 0x10FFFF are left out. False when first > last. */
 VAL_EXPORT bool ValCharacterSetAddRange(ValCharacterSet *set, uint32_t first, uint32_t last) VAL_NOEXCEPT;
-VAL_EXPORT bool ValCharacterSetRemoveRange(ValCharacterSet *set, uint32_t first, uint32_t last) VAL_NOEXCEPT;
+VAL_EXPORT bool ValCharacterSetRemoveRange(ValCharacterSet *set, uint32_t first,
+                                           uint32_t last) VAL_NOEXCEPT;
 VAL_EXPORT bool ValCharacterSetUnion(ValCharacterSet *set, const ValCharacterSet *other) VAL_NOEXCEPT;
 
 #ifdef __cplusplus

@@ -11,9 +11,9 @@
 
 namespace vellum {
 
-// One owned reference to a value, or none. `T` is `const ValX` for a published value and `ValX`
-// for one under construction; the second converts to the first. A Ref is as thread-safe as a
-// plain pointer: the value may be shared between threads, the Ref may not.
+// One owned reference to a value, or none. `T` is `const ValX` for a published value, `ValX` for one
+// under construction, `const void` for a value of any kind; each converts to the more general. A Ref is as
+// thread-safe as a plain pointer: the value may be shared between threads, the Ref may not.
 template <class T>
 class Ref {
 public:
@@ -35,7 +35,8 @@ public:
     // From a value under construction to a published one.
     template <class U>
         requires(!std::is_same_v<U, T> && std::is_convertible_v<U *, T *>)
-    Ref(Ref<U> other) noexcept : value_(other.Release()) {}
+    Ref(Ref<U> other)
+    noexcept : value_(other.Release()) {}
 
     ~Ref() { ValRelease(value_); }
 
@@ -45,7 +46,9 @@ public:
     }
 
     T *Get() const noexcept { return value_; }
-    T &operator*() const noexcept { return *value_; }
+    std::add_lvalue_reference_t<T> operator*() const noexcept requires(!std::is_void_v<T>) {
+        return *value_;
+    }
     explicit operator bool() const noexcept { return value_ != nullptr; }
 
     // Hands the reference over to the caller, who then releases it.

@@ -92,6 +92,10 @@ Ref<const ValArray> GxFontCopyNameLanguages(const GxFont *font) noexcept;
 // The bytes of a table, or null. Bytes that the file no longer holds are missing from the end.
 Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag) noexcept;
 
+// Several tables in one round of reading: tables[i] becomes that of tags[i], or null.
+void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags,
+                      std::span<Ref<const ValData>> tables) noexcept;
+
 // The tags of the face's tables in the order of the file's directory; empty for fonts without one.
 std::span<const GxTag> GxFontGetTableTags(const GxFont *font) noexcept;
 

@@ -21,18 +21,22 @@ struct ValObject;
 struct ValKind {
     ValType type;
     const char *name;                                    // for descriptions
-    void (*finalize)(ValObject *);                       // frees what it holds; default: nothing
+    void (*finalize)(ValObject *);                       // ends what it holds, see below; default: nothing
     bool (*equal)(const ValObject *, const ValObject *); // same kind, not same object; default: false
     uint64_t (*hash)(const ValObject *);                 // default: by address
     const ValString *(*describe)(const ValObject *);     // owned; default: name and address
 };
 
+// `finalize` runs once, on whatever thread gave the last reference back. It releases what the
+// object holds and calls the destructor if that does anything; the memory of the object itself is
+// freed after it. Objects that die inside of very many others' finalize functions are put off until
+// those have returned, so nesting of any depth is released in little stack.
 struct ValObject {
-    // The count of an object that is never counted or freed: constants in read-only memory.
+    // The count of an object that is never counted or freed: constants in the library's own data.
     static constexpr uint32_t kImmortal = UINT32_MAX;
 
-    constexpr explicit ValObject(const ValKind &kind, uint32_t references = 1) noexcept
-        : kind(&kind), references(references) {}
+    constexpr explicit ValObject(const ValKind &object_kind, uint32_t count = 1) noexcept
+        : kind(&object_kind), references(count) {}
 
     const ValKind *kind;
     mutable std::atomic<uint32_t> references;
@@ -44,6 +48,22 @@ T *AllocateObject(size_t extra, Arguments &&...arguments) noexcept {
     if (extra > SIZE_MAX - sizeof(T)) return nullptr;
     void *memory = std::malloc(sizeof(T) + extra);
     return memory ? new (memory) T(std::forward<Arguments>(arguments)...) : nullptr;
+}
+
+// The bytes behind an object of AllocateObject.
+template <class T>
+void *ExtraBytes(T *object) noexcept {
+    return reinterpret_cast<char *>(object) + sizeof(T);
+}
+
+// Adds a reference unless the object is already dying. This is how a table that does not keep its
+// members alive hands one out: the caller holds the lock that the member's finalize takes to leave
+// the table, so that the memory stands while it is looked at.
+bool TryRetain(const ValObject *object) noexcept;
+
+// The object behind a value.
+inline const ValObject *AsObject(const void *value) noexcept {
+    return static_cast<const ValObject *>(value);
 }
 
 } // namespace vellum

@@ -1,0 +1,361 @@
+/* SPDX-License-Identifier: MIT */
+/*
+ * vellum/vellum.h - the font register: register fonts, find them, hear of changes.
+ *
+ * Rules that hold for every function here, besides those of values.h:
+ *
+ *  1. Threads. Any thread may call any function at any time.
+ *  2. Failure. Queries answer null for "nothing", for bad arguments and for failure alike; changes
+ *     answer false. Nothing is thrown, nothing is printed, the process is never ended.
+ *  3. Ownership. What a Copy or Create function returns is the caller's, to be given back with
+ *     ValRelease; so are arrays handed out through a pointer. Get functions return borrowed
+ *     pointers that live as long as the process.
+ *  4. Laziness. Loading the library does nothing; the first call that needs a register makes it.
+ *
+ * Fonts stand in two registers: the process's own, which only this process sees, and the shared
+ * one. Every function takes a scope word that says which of them is meant.
+ */
+#ifndef VELLUM_VELLUM_H
+#define VELLUM_VELLUM_H
+
+#include <vellum/values.h>
+
+#define VL_EXPORT VAL_EXPORT
+#define VL_NOEXCEPT VAL_NOEXCEPT
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- the words ------------------------------------------------------------------------------- */
+
+/* Which register; and how a change is made. Bits. */
+typedef uint32_t VLScope;
+enum {
+    kVLScopeProcess = 0x1,      /* the process's own register */
+    kVLScopeUser = 0x2,         /* the shared register; kept for the user across restarts */
+    kVLScopeSession = 0x4,      /* the shared register; a change lasts for this session */
+    kVLScopeAll = 0x7,          /* for queries */
+    kVLScopeDurable = 0x4000,   /* a change is on disk before the call returns */
+    kVLScopeSilent = 0x40000000 /* post no notification of this change */
+};
+#define kVLScopeLegacyTold 0x80000000u /* the legacy font service has heard of this change already */
+
+/* Second word of the queries that may activate a missing font. Either bit forbids it. */
+typedef uint32_t VLActivationOptions;
+enum { kVLActivationNotFromProviders = 0x10000, kVLActivationNotFromSearch = 0x20000 };
+
+/* Flags of a font file, given when it is registered. Bits. */
+typedef uint32_t VLFontFlags;
+enum {
+    kVLFontFlagSystem = 0x8,         /* one of the system's fonts */
+    kVLFontFlagCopyToStable = 0x100, /* copy the file to stable storage first */
+    kVLFontFlagLocalVolume = 0x200,
+    kVLFontFlagRootVolume = 0x400
+};
+
+/* ---- property keys --------------------------------------------------------------------------- */
+
+/*
+ * Keys of property dictionaries and of requests; each is a ValString. The comment names the type of
+ * the value.
+ */
+VL_EXPORT extern const ValString *const kVLFontPropertyName;           /* ValString: PostScript name */
+VL_EXPORT extern const ValString *const kVLFontPropertyFamilyName;     /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyFullName;       /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertySubfamilyName;  /* ValString: style name */
+VL_EXPORT extern const ValString *const kVLFontPropertyVersionName;    /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyCopyrightName;  /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyInstanceName;   /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyLocalizedNames; /* ValDictionary */
+VL_EXPORT extern const ValString *const kVLFontPropertyTraits;         /* ValDictionary */
+VL_EXPORT extern const ValString *const kVLFontPropertyURL;            /* ValURL */
+VL_EXPORT extern const ValString *const kVLFontPropertyUUID;           /* ValUUID */
+VL_EXPORT extern const ValString *const kVLFontPropertyBookmark;       /* ValData */
+VL_EXPORT extern const ValString *const kVLFontPropertyCharacterSet;   /* ValCharacterSet */
+VL_EXPORT extern const ValString *const kVLFontPropertyVariationAxes;  /* ValArray of ValDictionary */
+VL_EXPORT extern const ValString *const kVLFontPropertyVariations; /* ValDictionary: axis name to Float64 */
+VL_EXPORT extern const ValString *const kVLFontPropertySupportedLanguages; /* ValArray of ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyDesignLanguages;    /* ValArray of ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyEnabled;            /* ValNumber, SInt32: 1 or 0 */
+VL_EXPORT extern const ValString *const kVLFontPropertyPriority;           /* ValNumber, SInt64 */
+VL_EXPORT extern const ValString *const kVLFontPropertyFormat; /* ValNumber, SInt32: kVLFontFormat... */
+VL_EXPORT extern const ValString *const kVLFontPropertyStringEncoding;       /* ValNumber, SInt32 */
+VL_EXPORT extern const ValString *const kVLFontPropertyIgnoreScriptAnalysis; /* ValBoolean */
+VL_EXPORT extern const ValString *const kVLFontPropertyFontRef;              /* ValNumber, SInt32 */
+VL_EXPORT extern const ValString *const kVLFontPropertyDirectory;            /* ValURL */
+VL_EXPORT extern const ValString *const kVLFontPropertyScope;                /* ValNumber, SInt64 */
+VL_EXPORT extern const ValString *const kVLFontPropertyFlags;                /* ValNumber, SInt32 */
+VL_EXPORT extern const ValString *const kVLFontPropertyUnicodeRanges;        /* ValArray of 4 ValNumber */
+VL_EXPORT extern const ValString *const kVLFontPropertyManufacturerName; /* ValString, in localized names */
+VL_EXPORT extern const ValString *const kVLFontPropertyDesignerName;     /* ValString, in localized names */
+VL_EXPORT extern const ValString *const kVLFontPropertyPrimaryLanguage;  /* ValString */
+
+/* Keys of one variation axis's dictionary. */
+VL_EXPORT extern const ValString
+    *const kVLVariationAxisIdentifier; /* ValNumber, SInt32: the tag's four bytes, big-endian */
+VL_EXPORT extern const ValString *const kVLVariationAxisName;         /* ValString */
+VL_EXPORT extern const ValString *const kVLVariationAxisMinValue;     /* ValNumber, Float64 */
+VL_EXPORT extern const ValString *const kVLVariationAxisMaxValue;     /* ValNumber, Float64 */
+VL_EXPORT extern const ValString *const kVLVariationAxisDefaultValue; /* ValNumber, Float64 */
+
+/* Keys of a traits dictionary. */
+VL_EXPORT extern const ValString *const kVLFontTraitSymbolic; /* ValNumber, SInt32: bits */
+VL_EXPORT extern const ValString *const kVLFontTraitWeight;   /* ValNumber, Float32: -1 to 1, 0 regular */
+VL_EXPORT extern const ValString *const kVLFontTraitWidth;    /* ValNumber, Float32: negative condensed */
+VL_EXPORT extern const ValString *const kVLFontTraitSlant;    /* ValNumber, Float32: angle / 180 degrees */
+
+/*
+ * Font URLs. A font file's URL names the file; "#" and parameters behind it name one face in it:
+ * file:///usr/share/fonts/Some.ttc#postscript-name=Some-Bold. A font in memory is named by
+ * file://inMemory_0x...#postscript-name=...
+ */
+VL_EXPORT extern const ValString *const kVLFontURLScheme;                     /* "file" */
+VL_EXPORT extern const ValString *const kVLFontURLFragmentSeparator;          /* "#" */
+VL_EXPORT extern const ValString *const kVLFontURLAdditionalEscapedChars;     /* "#" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterSeparator;         /* ";" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterKeyValueSeparator; /* "=" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterPostScriptName;    /* "postscript-name" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterFamilyName;        /* "family-name" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterFullName;          /* "full-name" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterSubfamilyName;     /* "subfamily-name" */
+VL_EXPORT extern const ValString *const kVLFontURLParameterVariationPrefix;   /* "var:" and an axis */
+
+/* Values of kVLFontPropertyFormat. */
+enum {
+    kVLFontFormatUnrecognized = 0,
+    kVLFontFormatOpenTypePostScript = 1,
+    kVLFontFormatOpenTypeTrueType = 2,
+    kVLFontFormatTrueType = 3,
+    kVLFontFormatPostScript = 4,
+    kVLFontFormatBitmap = 5
+};
+
+/* ---- finding fonts --------------------------------------------------------------------------- */
+
+/* The font with a PostScript, full or family name, in this order; the best when several have it. */
+VL_EXPORT const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
+                                           VLActivationOptions activation) VL_NOEXCEPT;
+
+/* The best font for a request: a dictionary from property key to the value that it must have. */
+VL_EXPORT const ValURL *VLCopyFontWithProperties(const ValDictionary *request, VLScope scope,
+                                                 VLActivationOptions activation) VL_NOEXCEPT;
+
+/* All fonts for a request, an array of font URLs, best first. */
+VL_EXPORT const ValArray *VLCopyFontsWithProperties(const ValDictionary *request, VLScope scope,
+                                                    VLActivationOptions activation) VL_NOEXCEPT;
+
+/* A font that draws a character (a Unicode scalar value). `reserved` is carried and not read. */
+VL_EXPORT const ValURL *VLCopyFontForCharacter(uint32_t character, VLScope scope,
+                                               uint32_t reserved) VL_NOEXCEPT;
+
+/* ---- listings -------------------------------------------------------------------------------- */
+
+/* All family names, sorted; all PostScript names, sorted; all font URLs. Arrays, each item once. */
+VL_EXPORT const ValArray *VLCopyAvailableFamilyNames(VLScope scope) VL_NOEXCEPT;
+VL_EXPORT const ValArray *VLCopyAvailableFontNames(VLScope scope) VL_NOEXCEPT;
+VL_EXPORT const ValArray *VLCopyAvailableFontURLs(VLScope scope) VL_NOEXCEPT;
+
+/* The family names of the fonts that support a language (a canonical identifier, compared exactly). */
+VL_EXPORT const ValArray *VLCopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                       uint32_t reserved) VL_NOEXCEPT;
+
+/* ---- properties ------------------------------------------------------------------------------ */
+
+/*
+ * The properties of one font: a dictionary that holds those of the asked keys (a set) that the font
+ * has a value for; null when that is none. Disabled fonts answer only when kVLFontPropertyEnabled
+ * is among the keys.
+ */
+VL_EXPORT const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *keys,
+                                                       VLScope scope) VL_NOEXCEPT;
+
+/* The same for several fonts: a dictionary from font URL to property dictionary. */
+VL_EXPORT const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSet *keys,
+                                                        VLScope scope) VL_NOEXCEPT;
+
+/* The same for all fonts: an array of property dictionaries, one a face, in order of registration. */
+VL_EXPORT const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) VL_NOEXCEPT;
+
+/* One property of several fonts: a dictionary from font URL to value. */
+VL_EXPORT const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValString *key,
+                                                      VLScope scope) VL_NOEXCEPT;
+
+/*
+ * What describes a font for registration: nineteen of its properties. `useFontInfo` takes them from
+ * a prepared side file where there is one.
+ */
+VL_EXPORT const ValDictionary *VLCopyRegistrationInfoForFont(const ValURL *font,
+                                                             bool useFontInfo) VL_NOEXCEPT;
+
+/* A summary for diagnosis. Never null but when memory is exhausted. */
+VL_EXPORT const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query,
+                                                        VLScope scope) VL_NOEXCEPT;
+
+/* Which registers have a font: kVLScopeProcess and the bits that the shared register answers. */
+VL_EXPORT VLScope VLGetScopeForFont(const ValURL *font) VL_NOEXCEPT;
+
+/* Take any arguments and do nothing, on purpose: properties come from the fonts themselves. */
+VL_EXPORT void VLSetPropertiesForFonts(const ValArray *fonts, const ValDictionary *properties,
+                                       VLScope scope) VL_NOEXCEPT;
+VL_EXPORT void VLRemovePropertiesForFonts(const ValArray *fonts, const ValSet *keys,
+                                          VLScope scope) VL_NOEXCEPT;
+
+/* ---- changes --------------------------------------------------------------------------------- */
+
+/*
+ * Registers font files (file URLs), each whole, every face of it: with the shared register when the
+ * scope has kVLScopeUser or kVLScopeSession, else with the process's own. True when all of them were
+ * registered. The URLs that were not are handed out as *errors, an array that the caller owns, null
+ * when all went well; `errors` may be null. A file is refused when it is registered already, when it
+ * is no font or cannot be read. The others are registered all the same.
+ */
+VL_EXPORT bool VLRegisterFonts(const ValArray *urls, VLFontFlags flags, VLScope scope,
+                               const ValArray **errors) VL_NOEXCEPT;
+VL_EXPORT bool VLRegisterFont(const ValURL *url, VLFontFlags flags, VLScope scope) VL_NOEXCEPT;
+
+/* Takes font files out again. `reserved` is not read. A file that was not registered is no error. */
+VL_EXPORT bool VLUnregisterFonts(const ValArray *urls, uint32_t reserved, VLScope scope,
+                                 const ValArray **errors) VL_NOEXCEPT;
+VL_EXPORT bool VLUnregisterFont(const ValURL *url, uint32_t reserved, VLScope scope) VL_NOEXCEPT;
+
+/* Hides fonts from every query and brings them back; a URL's fragment picks one face of a file. */
+VL_EXPORT void VLEnableFonts(const ValArray *urls, VLFontFlags flags, VLScope scope) VL_NOEXCEPT;
+VL_EXPORT void VLDisableFonts(const ValArray *urls, VLFontFlags flags, VLScope scope) VL_NOEXCEPT;
+
+/*
+ * Directories belong to the shared register: false unless the scope's low three bits are exactly
+ * kVLScopeUser. `options` bit 0 leaves out what lies in folders below; the rest is reserved.
+ */
+VL_EXPORT bool VLRegisterFontDirectory(const ValURL *directory, VLFontFlags flags, uint32_t options,
+                                       VLScope scope) VL_NOEXCEPT;
+VL_EXPORT bool VLUnregisterFontDirectory(const ValURL *directory, uint32_t reserved,
+                                         VLScope scope) VL_NOEXCEPT;
+
+/*
+ * Fonts in memory, always in the process's own register: false unless the scope has
+ * kVLScopeProcess. The buffer is retained. Of a buffer that holds several faces the first counts;
+ * one without a PostScript name is refused; equal bytes are registered once. `legacyContainer` is
+ * the id under which the legacy font service knows the buffer, 0 when it does not.
+ */
+VL_EXPORT bool VLRegisterDataFont(const ValData *data, uint32_t legacyContainer, VLFontFlags flags,
+                                  VLScope scope) VL_NOEXCEPT;
+VL_EXPORT bool VLUnregisterDataFont(const ValData *data, uint32_t reserved, VLScope scope) VL_NOEXCEPT;
+
+/* The URL of a registered buffer, or, when that is null, of a legacy font id. */
+VL_EXPORT const ValURL *VLCopyFontURLForDataFont(const ValData *data, uint32_t legacyFont) VL_NOEXCEPT;
+
+/* The legacy font service's id of a font in memory, or 0. */
+VL_EXPORT uint32_t VLGetDataFontFountFont(const ValURL *font) VL_NOEXCEPT;
+
+/*
+ * The table of registration functions, for a framework that loads the library by name. Its order is
+ * fixed. enable_font and disable_font are reached through it alone.
+ */
+typedef struct {
+    bool (*register_font)(const ValURL *, VLFontFlags, VLScope);
+    bool (*unregister_font)(const ValURL *, uint32_t, VLScope);
+    bool (*register_data_font)(const ValData *, uint32_t, VLFontFlags, VLScope);
+    bool (*unregister_data_font)(const ValData *, uint32_t, VLScope);
+    bool (*register_fonts)(const ValArray *, VLFontFlags, VLScope, const ValArray **);
+    bool (*unregister_fonts)(const ValArray *, uint32_t, VLScope, const ValArray **);
+    void (*enable_font)(const ValURL *, VLFontFlags, VLScope);
+    void (*disable_font)(const ValURL *, VLFontFlags, VLScope);
+    bool (*register_font_directory)(const ValURL *, VLFontFlags, uint32_t, VLScope);
+    bool (*unregister_font_directory)(const ValURL *, uint32_t, VLScope);
+    uint32_t (*get_directory_flags)(const ValURL *);
+    uint32_t (*get_font_flags_for_dir_flags)(uint32_t);
+} VLFunctions;
+VL_EXPORT const VLFunctions *VLGetFunctions(void) VL_NOEXCEPT;
+
+/* ---- small utilities ------------------------------------------------------------------------- */
+
+/*
+ * The volume that holds a directory: kVLFontFlagLocalVolume unless it lies on another machine,
+ * kVLFontFlagRootVolume when it is the one that holds "/". 0 for a volume of another machine, and on
+ * any failure.
+ */
+VL_EXPORT uint32_t VLGetDirectoryFlags(const ValURL *directory) VL_NOEXCEPT;
+
+/* The directory flags that a font file in that directory inherits: & 0x603. */
+VL_EXPORT uint32_t VLGetFontFlagsForDirFlags(uint32_t directoryFlags) VL_NOEXCEPT;
+
+/*
+ * The names of the fonts that everybody asks for, user interface and fallback: an array of
+ * ValStrings of the library's own, their number in *count unless that is null.
+ */
+VL_EXPORT const ValString *const *VLGetCommonFontNames(size_t *count) VL_NOEXCEPT;
+
+/* ---- hearing of changes ---------------------------------------------------------------------- */
+
+/*
+ * Called on the main run loop with a change of the available fonts, before the process's own
+ * notification goes out: centre, observer and object are null, the name is
+ * "LDFontManagerFontChangedNotification", the user info says which fonts came or went.
+ */
+typedef void (*VLFontsChangedCallback)(void *center, void *observer, const ValString *name,
+                                       const void *object, const ValDictionary *userInfo);
+
+/* Installs the callback, once: a second one is ignored, and so is any when `options` is not 0. */
+VL_EXPORT void VLSetFrameworkFontChangedCallback(uint32_t options,
+                                                 VLFontsChangedCallback callback) VL_NOEXCEPT;
+
+/* ---- fonts on demand ------------------------------------------------------------------------- */
+
+/* Whether missing fonts are found and activated. 0 means: nothing was set. */
+typedef uint32_t VLAutoActivationSetting;
+enum {
+    kVLAutoActivationDefault = 0,
+    kVLAutoActivationDisable = 1,
+    kVLAutoActivationEnable = 2,
+    kVLAutoActivationAsk = 3
+};
+
+/*
+ * The setting of one application, null meaning the calling one; "com.orrery.Laydown" names the
+ * setting for all. Setting Default removes what was set.
+ */
+VL_EXPORT VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *application) VL_NOEXCEPT;
+VL_EXPORT void VLSetAutoActivationSetting(const ValString *application,
+                                          VLAutoActivationSetting setting) VL_NOEXCEPT;
+
+/* A message port of a font provider. It is a value: retained and released like one. */
+typedef struct VLMessagePort VLMessagePort;
+
+/*
+ * Answers a request for fonts: the attributes sought and the process that seeks them. Returns a
+ * value that the caller releases (an array of fonts), or null.
+ */
+typedef const void *(*VLFontProviderCallback)(void *context, const ValDictionary *attributes,
+                                              int32_t process);
+
+/*
+ * Announces this process as a provider of fonts until the port's last reference is given back;
+ * `release(context)` is called then. Null on failure.
+ */
+VL_EXPORT VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback callback, void *context,
+                                                       void (*release)(void *context)) VL_NOEXCEPT;
+
+/* The ports of all announced providers, an array. */
+VL_EXPORT const ValArray *VLCopyFontProviderRemotePorts(void) VL_NOEXCEPT;
+
+/* ---- looking into a file --------------------------------------------------------------------- */
+
+/*
+ * The type identifier of a file, "public.truetype-ttf-font" for instance, by its content; null when
+ * it cannot be read or is of no type known here. Nothing is registered.
+ */
+VL_EXPORT const ValString *VLCopyTypeIdentifier(const ValURL *file) VL_NOEXCEPT;
+
+/*
+ * The tags of the tables of the font that a URL names, an array of four-character strings in the
+ * order of the file's table directory; of the first face when the URL names several. Null for a
+ * font without such tables. Nothing is registered.
+ */
+VL_EXPORT const ValArray *VLCopyTableTagsForFont(const ValURL *font) VL_NOEXCEPT;
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* VELLUM_VELLUM_H */

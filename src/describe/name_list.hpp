@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// A list of distinct interned names in the order in which they were added.
+#pragma once
+
+#include "values/string_uniquer.hpp"
+#include "values/val_array.hpp"
+
+namespace vellum {
+
+class NameList {
+public:
+    // Null and names that the list holds already are passed over.
+    void Add(Ref<const ValString> name) {
+        const auto unique = TValStringUniquer().GetUniqueString(name.Get());
+        if (unique && !names_.ContainsIdentical(unique.Get())) names_.Append(unique.Get());
+    }
+
+    bool IsEmpty() const noexcept { return names_.IsEmpty(); }
+
+    // The names, or null when there are none; the list is spent.
+    Ref<const ValArray> Publish() { return names_.IsEmpty() ? nullptr : names_.Publish(); }
+
+private:
+    TValMutableArray names_;
+};
+
+} // namespace vellum

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// The PostScript name as the sfnt "name" table itself has it.
+#pragma once
+
+#include "platform/font/gx_font.hpp"
+
+namespace vellum {
+
+// The first record with name identifier 6, in file order, whose platform and encoding are
+// understood and whose bytes fit them; null without one. Unlike the parser's choice it prefers no
+// language, so that a font is also found under a name that only other systems give it.
+Ref<const ValString> CopyNameTablePostScriptName(const GxFont *font);
+
+} // namespace vellum

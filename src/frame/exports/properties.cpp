@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Exported: copies of font properties.
+#include "frame/exports/ask.hpp"
+#include "frame/exports/guard.hpp"
+#include "values/val_array.hpp"
+#include "values/val_dictionary.hpp"
+
+using namespace vellum;
+
+namespace {
+
+// `answers`, with what `more` has beside it.
+void MergeInto(TValMutableDict &answers, const ValDictionary *more) {
+    size_t cursor = 0;
+    for (const void *key, *value; ValDictionaryNext(more, &cursor, &key, &value);)
+        if (!ValDictionaryContainsKey(answers.Get(), key)) answers.Set(key, value);
+}
+
+// Each font's answer from the process's register, else from the shared one; null when there is none.
+template <class Ask>
+Ref<const ValDictionary> AskBothForEachFont(VLScope scope, Ask ask) {
+    TValMutableDict answers;
+    if (AsksProcess(scope)) MergeInto(answers, ask(TLocalGlyphary()).Get());
+    if (AsksShared(scope)) MergeInto(answers, ask(TGlobalGlyphary()).Get());
+    return answers.IsEmpty() ? nullptr : answers.Publish();
+}
+
+} // namespace
+
+const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *keys,
+                                             VLScope scope) noexcept {
+    if (!font || !keys) return nullptr;
+    return GuardCopy([&] {
+        return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
+            return registry.CopyPropertiesForFont(font, keys, scope);
+        });
+    });
+}
+
+const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSet *keys,
+                                              VLScope scope) noexcept {
+    if (!fonts || !keys) return nullptr;
+    return GuardCopy([&] {
+        return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
+            return registry.CopyPropertiesForFonts(fonts, keys, scope);
+        });
+    });
+}
+
+const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValString *key,
+                                            VLScope scope) noexcept {
+    if (!fonts || !key) return nullptr;
+    return GuardCopy([&] {
+        return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
+            return registry.CopyPropertyForFonts(fonts, key, scope);
+        });
+    });
+}
+
+const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) noexcept {
+    if (!keys) return nullptr;
+    return GuardCopy([&]() -> Ref<const ValArray> {
+        TValMutableArray all;
+        if (AsksProcess(scope))
+            all.AppendArray(TLocalGlyphary().CopyPropertiesForAllFonts(keys, scope).Get());
+        if (AsksShared(scope))
+            all.AppendArray(TGlobalGlyphary().CopyPropertiesForAllFonts(keys, scope).Get());
+        return all.IsEmpty() ? nullptr : all.Publish();
+    });
+}
+
+VLScope VLGetScopeForFont(const ValURL *font) noexcept {
+    if (!font) return 0;
+    return Guard(
+        [&] { return TLocalGlyphary().GetFontScope(font) | TGlobalGlyphary().GetFontScope(font); });
+}
+
+// Properties come from the fonts themselves: nothing is set or removed.
+
+void VLSetPropertiesForFonts(const ValArray *, const ValDictionary *, VLScope) noexcept {}
+
+void VLRemovePropertiesForFonts(const ValArray *, const ValSet *, VLScope) noexcept {}

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+// Exported functions whose rooms are not built yet; docs/architecture.md lists them. They answer
+// what stands for nothing, and take nothing over from their callers.
+#include <vellum/vellum.h>
+
+const ValDictionary *VLCopyRegistrationInfoForFont(const ValURL *, bool) noexcept {
+    return nullptr;
+}
+
+const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *, VLScope) noexcept {
+    return ValDictionaryCreate(nullptr, nullptr, 0);
+}
+
+VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *) noexcept {
+    return kVLAutoActivationDefault;
+}
+
+void VLSetAutoActivationSetting(const ValString *, VLAutoActivationSetting) noexcept {}
+
+VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback, void *, void (*)(void *)) noexcept {
+    return nullptr;
+}
+
+const ValArray *VLCopyFontProviderRemotePorts() noexcept {
+    return nullptr;
+}

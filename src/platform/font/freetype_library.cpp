@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// Set-up of FreeType on first use, with an allocator that has a ceiling.
+#include "platform/font/freetype_library.hpp"
+
+#include "platform/font/limits.hpp"
+
+#include FT_MODULE_H
+
+#include <malloc.h>
+
+#include <cstdlib>
+
+namespace vellum {
+namespace {
+
+// Guards FreeType, and the count of what it holds.
+constinit std::mutex sMutex;
+constinit size_t sHeld = 0;
+
+void *Allocate(FT_Memory, long size) noexcept {
+    if (size <= 0 || static_cast<size_t>(size) > limits::kFreeTypeMemory - sHeld) return nullptr;
+    void *block = std::malloc(static_cast<size_t>(size));
+    if (block) sHeld += malloc_usable_size(block);
+    return block;
+}
+
+void Free(FT_Memory, void *block) noexcept {
+    sHeld -= malloc_usable_size(block);
+    std::free(block);
+}
+
+void *Reallocate(FT_Memory, long, long size, void *block) noexcept {
+    if (size <= 0 || static_cast<size_t>(size) > limits::kFreeTypeMemory) return nullptr;
+    const size_t before = malloc_usable_size(block);
+    if (static_cast<size_t>(size) > limits::kFreeTypeMemory - (sHeld - before)) return nullptr;
+    void *moved = std::realloc(block, static_cast<size_t>(size));
+    if (moved) sHeld = sHeld - before + malloc_usable_size(moved);
+    return moved;
+}
+
+constinit FT_MemoryRec_ sMemory = {nullptr, Allocate, Free, Reallocate};
+
+// Never freed: it serves until the process ends. Its settings are FreeType's own, whatever the
+// environment says.
+FT_Library MakeLibrary() noexcept {
+    FT_Library library = nullptr;
+    if (FT_New_Library(&sMemory, &library) != 0) return nullptr;
+    FT_Add_Default_Modules(library);
+    return library;
+}
+
+FT_Library SharedLibrary() noexcept {
+    static const FT_Library sLibrary = MakeLibrary();
+    return sLibrary;
+}
+
+} // namespace
+
+TFreeType::TFreeType() : lock_(sMutex), library_(SharedLibrary()) {}
+
+FT_Memory TFreeType::Memory() noexcept {
+    return &sMemory;
+}
+
+} // namespace vellum

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+// Reading of the name table, formats 0 and 1, and the ranking of its records.
+#include "platform/font/name_table.hpp"
+
+#include "platform/font/limits.hpp"
+#include "platform/font/name_decoding.hpp"
+#include "platform/font/name_language.hpp"
+
+#include <algorithm>
+#include <optional>
+
+namespace vellum {
+namespace {
+
+constexpr size_t kHeaderSize = 6;
+constexpr size_t kRecordSize = 12;
+constexpr uint16_t kFirstTag = 0x8000; // language numbers from here on index the table's own tags
+constexpr size_t kMaximumTags = 256;
+
+enum TPlatform : uint16_t { kUnicode = 0, kMacintosh = 1, kWindows = 3 };
+
+// The names that can be asked for of any face: the keys of GxNameKey, and 25, the prefix of the
+// PostScript names of a variable face's instances.
+constexpr uint32_t kAskedNames = 1u << 0 | 1u << 1 | 1u << 2 | 1u << 4 | 1u << 5 | 1u << 6 | 1u << 8 |
+                                 1u << 9 | 1u << 16 | 1u << 17 | 1u << 25;
+
+bool IsAsked(uint16_t name, std::span<const uint16_t> more) noexcept {
+    if (name < 32 && (kAskedNames >> name & 1) != 0) return true;
+    return std::binary_search(more.begin(), more.end(), name);
+}
+
+} // namespace
+
+TNameTable::TNameTable(TBytes table, std::span<const uint16_t> more) : present_(true) {
+    const size_t claimed = ReadU16(table, 2);
+    const TBytes text = Slice(table, ReadU16(table, 4), table.size());
+    const size_t held = table.size() < kHeaderSize ? 0 : (table.size() - kHeaderSize) / kRecordSize;
+    const size_t count = std::min({claimed, held, limits::kNameRecords});
+    if (ReadU16(table, 0) == 1) ReadTags(table, kHeaderSize + claimed * kRecordSize, text);
+    for (size_t i = 0; i < count; ++i) {
+        const TBytes record = table.subspan(kHeaderSize + i * kRecordSize, kRecordSize);
+        AddLanguage(ReadU16(record, 0), ReadU16(record, 4));
+        if (!IsAsked(ReadU16(record, 6), more)) continue;
+        const TBytes bytes = Slice(text, ReadU16(record, 10), ReadU16(record, 8));
+        AddRecord({ReadU16(record, 0), ReadU16(record, 2), ReadU16(record, 4), ReadU16(record, 6), 0, 0},
+                  bytes);
+    }
+}
+
+void TNameTable::ReadTags(TBytes table, size_t at, TBytes text) {
+    const size_t count = std::min<size_t>(ReadU16(table, at), kMaximumTags);
+    for (size_t i = 0; i < count; ++i) {
+        const TBytes record = Slice(table, at + 2 + i * 4, 4);
+        const TBytes bytes = Slice(text, ReadU16(record, 2), ReadU16(record, 0));
+        const auto tag = DecodeName(kUnicode, 0, bytes);
+        const char *characters = ValStringGetUTF8(tag.Get(), nullptr);
+        tags_.push_back(characters ? CanonicalLanguageTag(characters) : std::string());
+    }
+}
+
+void TNameTable::AddLanguage(uint16_t platform, uint16_t language) {
+    const uint32_t key = static_cast<uint32_t>(platform) << 16 | language;
+    if (std::find(languages_.begin(), languages_.end(), key) == languages_.end()) languages_.push_back(key);
+}
+
+// A record of an absurd length is no name; UTF-16 takes at most twice what UTF-8 takes.
+void TNameTable::AddRecord(TRecord record, TBytes text) {
+    if (text.empty() || text.size() > 2 * limits::kNameLength) return;
+    if (text.size() > limits::kKeptNameBytes - text_.size()) return;
+    record.offset = static_cast<uint32_t>(text_.size());
+    record.length = static_cast<uint32_t>(text.size());
+    text_.insert(text_.end(), text.begin(), text.end());
+    records_.push_back(record);
+}
+
+// Without data for a language that is not known; empty, but with data, for records of no language.
+std::string_view TNameTable::LanguageOf(uint16_t platform, uint16_t language) const {
+    if (language >= kFirstTag && platform != kMacintosh) {
+        const size_t index = language - kFirstTag;
+        if (index < tags_.size() && !tags_[index].empty()) return tags_[index];
+    }
+    if (platform == kUnicode) return "";
+    if (platform == kMacintosh) return LanguageOfMacintoshNumber(language);
+    if (platform == kWindows) return LanguageOfWindowsNumber(language);
+    return {};
+}
+
+int TNameTable::Rank(const TRecord &record) const {
+    if (record.platform == kWindows && record.language == 0x409) return 0;
+    if (record.platform == kWindows && IsWindowsEnglish(record.language)) return 1;
+    if (record.platform == kWindows && LanguageOf(kWindows, record.language).substr(0, 2) == "en") return 1;
+    if (record.platform == kMacintosh && record.language == 0) return 2;
+    if (record.platform == kUnicode) return 3;
+    return 4;
+}
+
+Ref<const ValString> TNameTable::Decode(const TRecord &record) const {
+    return DecodeName(record.platform, record.encoding, Slice(text_, record.offset, record.length));
+}
+
+Ref<const ValString> TNameTable::Copy(uint16_t name) const {
+    constexpr int kWorstRank = 4;
+    for (int rank = 0; rank <= kWorstRank; ++rank) {
+        for (const TRecord &record : records_) {
+            if (record.name != name || Rank(record) != rank) continue;
+            if (auto text = Decode(record)) return text;
+        }
+    }
+    return nullptr;
+}
+
+Ref<const ValString> TNameTable::CopyInLanguage(uint16_t name, std::string_view language) const {
+    for (const TRecord &record : records_) {
+        if (record.name != name || !HasLanguage(record, language)) continue;
+        if (auto text = Decode(record)) return text;
+    }
+    return nullptr;
+}
+
+bool TNameTable::HasLanguage(const TRecord &record, std::string_view language) const {
+    const std::string_view own = LanguageOf(record.platform, record.language);
+    return own.data() && own == language;
+}
+
+Ref<const ValArray> TNameTable::CopyLanguages() const {
+    auto array = Adopt(ValArrayCreateMutable(languages_.size(), nullptr));
+    for (const uint32_t key : languages_) {
+        const std::string_view tag =
+            LanguageOf(static_cast<uint16_t>(key >> 16), static_cast<uint16_t>(key));
+        if (!tag.data()) continue;
+        const auto text = Adopt(ValStringCreateWithUTF8(tag.data(), tag.size()));
+        if (!ValArrayContains(array.Get(), text.Get())) ValArrayAppend(array.Get(), text.Get());
+    }
+    return array;
+}
+
+} // namespace vellum

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// The name table: which records it has, and the choice among records that say the same thing.
+#pragma once
+
+#include "platform/font/big_endian.hpp"
+
+#include <vellum/values.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vellum {
+
+// What a name table says, in a form that needs the table no more. Records of the names that can be
+// asked for are kept, each with its bytes; of the others only their language.
+class TNameTable {
+public:
+    TNameTable() = default;
+
+    // `more` are further name identifiers that can be asked for, sorted.
+    TNameTable(TBytes table, std::span<const uint16_t> more);
+
+    // False when there is no table.
+    explicit operator bool() const noexcept { return present_; }
+
+    // The English record, else the first one, of those that can be decoded; null without any.
+    Ref<const ValString> Copy(uint16_t name) const;
+
+    // The first record in a language that can be decoded.
+    Ref<const ValString> CopyInLanguage(uint16_t name, std::string_view language) const;
+
+    // The languages of all records, in their order, each once.
+    Ref<const ValArray> CopyLanguages() const;
+
+private:
+    struct TRecord {
+        uint16_t platform;
+        uint16_t encoding;
+        uint16_t language;
+        uint16_t name;
+        uint32_t offset; // in text_
+        uint32_t length;
+    };
+
+    void ReadTags(TBytes table, size_t at, TBytes text);
+    void AddLanguage(uint16_t platform, uint16_t language);
+    void AddRecord(TRecord record, TBytes text);
+    bool HasLanguage(const TRecord &record, std::string_view language) const;
+    std::string_view LanguageOf(uint16_t platform, uint16_t language) const;
+    int Rank(const TRecord &record) const;
+    Ref<const ValString> Decode(const TRecord &record) const;
+
+    std::vector<TRecord> records_;
+    std::vector<uint8_t> text_;
+    std::vector<uint32_t> languages_; // platform << 16 | language number, in order of appearance
+    std::vector<std::string> tags_;   // of language numbers from 0x8000
+    bool present_ = false;
+};
+
+} // namespace vellum

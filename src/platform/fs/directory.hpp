@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Listing a directory.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vellum {
+
+struct DirectoryEntry {
+    std::string name;
+    bool is_directory; // a directory itself; a symbolic link to one is none
+};
+
+// The entries but "." and "..", by the bytes of their names, so that every run sees the same
+// order. Empty when the directory can't be read. May throw std::bad_alloc.
+std::vector<DirectoryEntry> ListDirectory(const char *path);
+
+// True when `path` is a directory that can be opened for reading.
+bool CanOpenDirectory(const char *path) noexcept;
+
+} // namespace vellum

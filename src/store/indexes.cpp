@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+// The indexes of a register: made when first asked for, then kept current by every change.
+#include "describe/client_font_entity.hpp"
+#include "describe/font_properties.hpp"
+#include "store/font_name_index.hpp"
+#include "store/font_path_index.hpp"
+#include "store/local_glyphary_imp.hpp"
+
+namespace vellum {
+
+namespace {
+
+std::unique_ptr<TFontIndex> MakeIndex(uint16_t id) {
+    switch (id) {
+    case kPostScriptNameIndex:
+        return std::make_unique<TFontPostScriptNameIndex>();
+    case kFullNameIndex:
+        return std::make_unique<TFontFullNameIndex>();
+    case kFamilyNameIndex:
+        return std::make_unique<TFontFamilyNameIndex>();
+    case kSubfamilyNameIndex:
+        return std::make_unique<TFontSubfamilyNameIndex>();
+    default:
+        return std::make_unique<TFontPathIndex>();
+    }
+}
+
+// Calls visit(value) for what a property's value stands for: the members of an array or a set, or
+// the value itself.
+template <class Visit>
+void ForEachIndexKey(const void *value, Visit visit) {
+    if (const auto *array = Cast<ValArray>(value)) {
+        for (size_t i = 0; i < ValArrayGetCount(array); ++i) visit(ValArrayGetValue(array, i));
+    } else if (const auto *set = Cast<ValSet>(value)) {
+        size_t cursor = 0;
+        for (const void *member; ValSetNext(set, &cursor, &member);) visit(member);
+    } else if (value) {
+        visit(value);
+    }
+}
+
+Ref<const void> IndexedValue(const TFontIndex &index, const GxFont *font) {
+    return TClientFontEntity(Retain(font)).CopyProperty(index.GetIndexedProperty(), true);
+}
+
+} // namespace
+
+uint16_t TLocalGlypharyImp::GetIndexCount(uint16_t &first_id) const {
+    first_id = 0;
+    return kIndexCount;
+}
+
+TFontIndex *TLocalGlypharyImp::GetIndex(uint16_t id) const {
+    auto &slot = indexes_[id];
+    if (!slot) {
+        auto index = MakeIndex(id);
+        AddAllFontsToIndex(*index);
+        slot = std::move(index);
+    }
+    return slot.get();
+}
+
+TFontIndex *TLocalGlypharyImp::GetIndexForProperty(const ValString *key) const {
+    switch (TFontProperties::GetPropertyID(key)) {
+    case PropertyID::kName:
+        return GetIndex(kPostScriptNameIndex);
+    case PropertyID::kFamilyName:
+        return GetIndex(kFamilyNameIndex);
+    case PropertyID::kFullName:
+        return GetIndex(kFullNameIndex);
+    case PropertyID::kSubfamilyName:
+        return GetIndex(kSubfamilyNameIndex);
+    case PropertyID::kURL:
+        return GetIndex(kPathIndex);
+    default:
+        return nullptr;
+    }
+}
+
+void TLocalGlypharyImp::AddAllFontsToIndex(TFontIndex &index) const {
+    for (const auto &[reference, font] : enabled_.Snapshot()) AddFontToIndex(index, reference, font.Get());
+}
+
+void TLocalGlypharyImp::AddFontToIndex(TFontIndex &index, FontReference reference,
+                                       const GxFont *font) const {
+    if (!font) font = enabled_.Find(reference);
+    if (!font) return;
+    const auto value = IndexedValue(index, font);
+    ForEachIndexKey(value.Get(), [&](const void *key) { index.AddFontForKey(reference, key); });
+}
+
+void TLocalGlypharyImp::RemoveFontFromIndex(TFontIndex &index, FontReference reference,
+                                            const GxFont *font) const {
+    if (!font) font = GetPossiblyDisabledFont(reference);
+    if (!font) return;
+    const auto value = IndexedValue(index, font);
+    ForEachIndexKey(value.Get(), [&](const void *key) { index.RemoveFontForKey(reference, key); });
+}
+
+// An index that can't be kept current because memory is exhausted is given up: it is made again
+// from the enabled fonts when it is next asked for.
+
+void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept {
+    for (uint16_t id = kPathIndex; id < kDisabledPathIndex; ++id) {
+        try {
+            if (indexes_[id]) AddFontToIndex(*indexes_[id], reference, font);
+        } catch (...) {
+            indexes_[id].reset();
+        }
+    }
+}
+
+void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept {
+    for (auto &index : indexes_) {
+        try {
+            if (index) RemoveFontFromIndex(*index, reference, font);
+        } catch (...) {
+            index.reset();
+        }
+    }
+}
+
+} // namespace vellum

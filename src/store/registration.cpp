@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Registration of font files.
+#include "describe/gx_font_wrapper.hpp"
+#include "frame/registry/generation_seed.hpp"
+#include "platform/font/type_identifier.hpp"
+#include "store/change_each.hpp"
+#include "store/directory_flags.hpp"
+#include "store/local_glyphary_imp.hpp"
+
+namespace vellum {
+
+namespace {
+
+// A file is registered whole: a fragment that names one of its faces is dropped. In the URL of a
+// font in memory the fragment is part of the name.
+Ref<const ValURL> WholeFile(const ValURL *url) {
+    return TGxFont::IsInMemoryURL(url) ? Retain(url) : Adopt(ValURLCopyWithFragment(url, nullptr));
+}
+
+// True when the flags ask for a copy in stable storage. What lies on the root volume stays there.
+bool WantsStableCopy(const ValURL *url, VLFontFlags flags) {
+    return (flags & kVLFontFlagCopyToStable) && !(DirectoryFlags(url) & kVLFontFlagRootVolume);
+}
+
+} // namespace
+
+void TLocalGlypharyImp::NoteChange() const noexcept {
+    ++change_count_;
+    TGenerationSeed::UpdateGeneration();
+}
+
+void TLocalGlypharyImp::AddFace(FontReference reference, const GxFont *font) const {
+    enabled_.Add(reference, font);
+    AddFontToIndexes(reference, font);
+}
+
+void TLocalGlypharyImp::RemoveFace(FontReference reference) const noexcept {
+    RemoveFontFromIndexes(reference, nullptr);
+    enabled_.Remove(reference);
+}
+
+bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, VLFontFlags flags,
+                                     VLScope) const {
+    if (!ReferencesForURL(kPathIndex, url).empty()) return false;
+    // Files that hold nothing but the outlines of a suitcase's fonts are reached through it.
+    if (ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font")) return false;
+    if (WantsStableCopy(url, flags)) return false; // there is no stable storage yet
+    const auto fonts = CreateFontsFromURL(WholeFile(url).Get());
+    const size_t count = ValArrayGetCount(fonts.Get());
+    if (count == 0) return false;
+
+    std::vector<FontReference> added;
+    added.reserve(count);
+    try {
+        for (size_t i = 0; i < count; ++i) {
+            added.push_back(TakeNextReference());
+            AddFace(added.back(), static_cast<const GxFont *>(ValArrayGetValue(fonts.Get(), i)));
+        }
+    } catch (...) { // memory is exhausted: a file is registered whole or not at all
+        for (const FontReference reference : added) RemoveFace(reference);
+        return false;
+    }
+    NoteChange();
+    return true;
+}
+
+bool TLocalGlypharyImp::RegisterFonts(const ValArray *urls, const ValDictionary *, VLFontFlags flags,
+                                      VLScope scope, ErrorArray errors) const {
+    if ((scope & kVLScopeAll) != kVLScopeProcess) return false;
+    return ChangeEach(urls, errors,
+                      [&](const ValURL *url) { return RegisterFont(url, nullptr, flags, scope); });
+}
+
+} // namespace vellum

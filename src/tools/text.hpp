@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// From values to the tool's own text and numbers, and back.
+#pragma once
+
+#include <vellum/vellum.hpp>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vellum::tool {
+
+// The bytes of a string, for the terminal; empty for null.
+std::string Bytes(const ValString *string);
+
+// The text of a string, as JSON wants it: what is no Unicode is replaced. Nothing for null.
+std::optional<std::string> Text(const ValString *string);
+
+Ref<const ValURL> FileURL(std::string_view path);
+
+// The path of a file URL; its escapes decoded.
+std::string PathOf(const ValURL *url);
+
+// A dictionary's value when it is of the kind that is asked for, else null. Borrowed.
+const ValString *StringAt(const ValDictionary *dictionary, const ValString *key);
+const ValURL *URLAt(const ValDictionary *dictionary, const ValString *key);
+const ValArray *ArrayAt(const ValDictionary *dictionary, const ValString *key);
+const ValDictionary *DictionaryAt(const ValDictionary *dictionary, const ValString *key);
+
+// A dictionary's number, 0 when there is none.
+double NumberAt(const ValDictionary *dictionary, const void *key);
+
+} // namespace vellum::tool

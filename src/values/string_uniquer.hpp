@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+// One string for each text: the process's pool of names.
+#pragma once
+
+#include <vellum/values.hpp>
+
+#include <cstddef>
+#include <mutex>
+#include <span>
+
+namespace vellum {
+
+// A set of strings behind a mutex. When it has grown to twice what the last sweep left, it drops
+// the strings that it alone still holds: under the mutex, nobody else can come to hold one of those.
+class TValStringUniquerImp {
+public:
+    // The least count at which the pool is swept.
+    static constexpr size_t kSmallestSweep = 4096;
+
+    // The pool's string that is equal to `string`, which goes into the pool when there is none. When
+    // memory is exhausted, `string` itself. Null for null.
+    Ref<const ValString> GetUniqueString(const ValString *string) noexcept;
+
+    size_t Count() noexcept;
+
+private:
+    const ValString *FindOrAdd(const ValString *string) noexcept;
+    void SweepIfGrown() noexcept;
+
+    std::mutex mutex_;      // guards what follows
+    ValSet *set_ = nullptr; // made by the first call; the pool of the process is never destroyed
+    size_t next_sweep_ = kSmallestSweep;
+};
+
+// A handle on the pool of the process.
+class TValStringUniquer {
+public:
+    TValStringUniquer() noexcept;
+
+    Ref<const ValString> GetUniqueString(const ValString *string) noexcept {
+        return imp_.GetUniqueString(string);
+    }
+
+private:
+    TValStringUniquerImp &imp_;
+};
+
+// Puts constants into the pool, so that equal text becomes these very objects. To be called before
+// others can have put equal text there; such text would stay.
+void SeedUniqueStrings(std::span<const ValString *const> strings) noexcept;
+
+} // namespace vellum

@@ -1,0 +1,102 @@
+# The checks that are no GoogleTest programs: of the sources, the headers, the built library, the
+# installed package and the tool, and the programs in C. Each script that checks has a test of its
+# own, which plants what the script must find.
+
+# Debian's own interpreter: it is the one that Debian's fontTools is for.
+set(VELLUM_PYTHON /usr/bin/python3)
+set(VELLUM_INCLUDE ${PROJECT_SOURCE_DIR}/include)
+
+# vellum_add_check(NAME LABEL [TIMEOUT seconds] [ENVIRONMENT NAME=value...] COMMAND ...)
+function(vellum_add_check name label)
+    cmake_parse_arguments(PARSE_ARGV 2 CHECK "" "TIMEOUT" "ENVIRONMENT;COMMAND")
+    if(NOT CHECK_TIMEOUT)
+        set(CHECK_TIMEOUT 120)
+    endif()
+    add_test(NAME ${name} COMMAND ${CHECK_COMMAND})
+    set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT ${CHECK_TIMEOUT}
+        ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1;${CHECK_ENVIRONMENT}")
+endfunction()
+
+# ---- the sources -----------------------------------------------------------------------------------
+set(compilers CC=${CMAKE_C_COMPILER} CXX=${CMAKE_CXX_COMPILER})
+set(folder ${CMAKE_CURRENT_SOURCE_DIR}/architecture)
+vellum_add_check(architecture.includes architecture
+    COMMAND ${VELLUM_PYTHON} ${folder}/check_includes.py ${PROJECT_SOURCE_DIR})
+vellum_add_check(architecture.includes_checker architecture
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_check_includes.py)
+
+# ---- the public headers ----------------------------------------------------------------------------
+set(folder ${CMAKE_CURRENT_SOURCE_DIR}/headers)
+vellum_add_check(headers.compile_alone headers
+    COMMAND ${VELLUM_PYTHON} ${folder}/check_headers.py
+        ${VELLUM_INCLUDE} ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER})
+find_program(VELLUM_CLANG clang-14)
+find_program(VELLUM_CLANGXX clang++-14)
+if(VELLUM_CLANG AND VELLUM_CLANGXX)
+    vellum_add_check(headers.compile_alone_with_clang headers
+        COMMAND ${VELLUM_PYTHON} ${folder}/check_headers.py
+            ${VELLUM_INCLUDE} ${VELLUM_CLANG} ${VELLUM_CLANGXX})
+endif()
+vellum_add_check(headers.documented headers
+    COMMAND ${VELLUM_PYTHON} ${folder}/check_docs.py ${VELLUM_INCLUDE}/vellum)
+vellum_add_check(headers.checkers headers ENVIRONMENT ${compilers}
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_header_checks.py)
+
+# ---- the library's binary interface ----------------------------------------------------------------
+set(folder ${CMAKE_CURRENT_SOURCE_DIR}/abi)
+vellum_add_check(abi.checkers abi ENVIRONMENT ${compilers}
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_abi_checks.py)
+vellum_add_check(abi.exports abi
+    COMMAND ${VELLUM_PYTHON} ${folder}/check_exports.py
+        $<TARGET_FILE:vellum> ${PROJECT_SOURCE_DIR}/src/vellum.map ${VELLUM_INCLUDE}/vellum)
+# A sanitizer adds libraries and constructors of its own, and must come first in every program.
+if(NOT VELLUM_SANITIZE)
+    vellum_add_check(abi.needed abi
+        COMMAND ${VELLUM_PYTHON} ${folder}/check_needed.py $<TARGET_FILE:vellum> ${CMAKE_C_COMPILER})
+    vellum_add_check(package package TIMEOUT 300
+        ENVIRONMENT ${compilers} CMAKE=${CMAKE_COMMAND} VELLUM_GENERATOR=${CMAKE_GENERATOR}
+            VELLUM_BUILD=${PROJECT_BINARY_DIR} VELLUM_SOURCE=${PROJECT_SOURCE_DIR}
+            VELLUM_VERSION=${PROJECT_VERSION}
+        COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/package/test_package.py)
+endif()
+
+# ---- the tool --------------------------------------------------------------------------------------
+vellum_add_check(tools.inspect tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
+    COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_inspect.py)
+set(folder ${CMAKE_CURRENT_SOURCE_DIR}/oracle)
+vellum_add_check(oracle.inspect oracle TIMEOUT 600
+    COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
+        ${VELLUM_PYTHON} ${folder}/inspect_oracle.py $<TARGET_FILE:vellum_tool>)
+vellum_add_check(oracle.checker oracle
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_inspect_oracle.py)
+
+# ---- the interface from C --------------------------------------------------------------------------
+# Each file is a program that links the library alone, as its users do. Those whose names say
+# concurrent also run under the thread sanitizer.
+file(GLOB c_tests CONFIGURE_DEPENDS c/*_test.c)
+foreach(source ${c_tests})
+    get_filename_component(name ${source} NAME_WE)
+    add_executable(c_${name} ${source})
+    set_target_properties(c_${name} PROPERTIES C_STANDARD 11 C_EXTENSIONS OFF)
+    target_compile_options(c_${name} PRIVATE -Wpedantic -Wstrict-prototypes -Werror)
+    target_link_libraries(c_${name} PRIVATE vellum vellum_options Threads::Threads)
+    set(label c)
+    if(name MATCHES "concurrent")
+        set(label concurrent)
+    endif()
+    vellum_add_check(c.${name} ${label}
+        COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py $<TARGET_FILE:c_${name}>)
+endforeach()
+
+# ---- what fuzzing found ----------------------------------------------------------------------------
+# Every fuzz target reads its corpus here too, with whatever compiler builds the tests.
+file(GLOB fuzzers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/*_fuzzer.cpp)
+foreach(source ${fuzzers})
+    get_filename_component(target ${source} NAME_WE)
+    string(REGEX REPLACE "_fuzzer$" "" name ${target})
+    add_executable(${name}_replay ${source} ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+    target_link_libraries(${name}_replay PRIVATE vellum_internal)
+    vellum_add_check(replay.${name} replay
+        COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
+            $<TARGET_FILE:${name}_replay> ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+endforeach()

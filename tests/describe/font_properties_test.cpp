@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "describe/font_properties.hpp"
+
+#include "support/values.hpp"
+
+#include <gtest/gtest.h>
+
+namespace vellum {
+namespace {
+
+struct Row {
+    const ValString *const *key;
+    uint32_t identifier;
+    const char *text;
+};
+
+// Written out, not taken from the code: other programs depend on these texts and numbers.
+constexpr Row kRows[] = {
+    {&kVLFontPropertyName, 1, "KSFontNameAttribute"},
+    {&kVLFontPropertyFamilyName, 2, "KSFontFamilyAttribute"},
+    {&kVLFontPropertyFullName, 3, "KSFontVisibleNameAttribute"},
+    {&kVLFontPropertySubfamilyName, 4, "KSFontFaceAttribute"},
+    {&kVLFontPropertyVersionName, 5, "VLFontVersionNameProperty"},
+    {&kVLFontPropertyCopyrightName, 6, "VLFontCopyrightNameProperty"},
+    {&kVLFontPropertyInstanceName, 7, "VLFontInstanceNameProperty"},
+    {&kVLFontPropertyLocalizedNames, 8, "VLFontLocalizedNamesProperty"},
+    {&kVLFontPropertyTraits, 9, "KSLDFontTraitsAttribute"},
+    {&kVLFontPropertyURL, 10, "KSLDFontFileURLAttribute"},
+    {&kVLFontPropertyUUID, 11, "VLFontUUIDProperty"},
+    {&kVLFontPropertyBookmark, 12, "VLFontBookmarkProperty"},
+    {&kVLFontPropertyCharacterSet, 13, "KSLDFontCharacterSetAttribute"},
+    {&kVLFontPropertyVariationAxes, 14, "KSLDFontVariationAxes"},
+    {&kVLFontPropertyVariations, 15, "KSLDFontVariationAttribute"},
+    {&kVLFontPropertySupportedLanguages, 16, "KSLDFontLanguagesAttribute"},
+    {&kVLFontPropertyDesignLanguages, 17, "KSLDFontDesignLanguagesAttribute"},
+    {&kVLFontPropertyEnabled, 18, "KSLDFontEnabledAttribute"},
+    {&kVLFontPropertyPriority, 19, "KSLDFontPriorityAttribute"},
+    {&kVLFontPropertyFormat, 20, "KSLDFontFormatAttribute"},
+    {&kVLFontPropertyStringEncoding, 21, "KSLDFontStringEncodingAttribute"},
+    {&kVLFontPropertyIgnoreScriptAnalysis, 22, "KSLDFontIgnoreScriptAnalysisAttribute"},
+    {&kVLFontPropertyFontRef, 23, "VLFontReferenceProperty"},
+    {&kVLFontPropertyDirectory, 24, "VLFontDirectoryProperty"},
+    {&kVLFontPropertyScope, 25, "VLFontScopeProperty"},
+    {&kVLFontPropertyFlags, 26, "VLFontFlagsProperty"},
+    {&kVLFontPropertyUnicodeRanges, 27, "VLFontUnicodeRangesProperty"},
+    {&kVLFontPropertyManufacturerName, 0, "VLFontManufacturerNameProperty"},
+    {&kVLFontPropertyDesignerName, 0, "VLFontDesignerNameProperty"},
+    {&kVLFontPropertyPrimaryLanguage, 0, "VLFontPropertyPrimaryLanguage"},
+};
+
+uint32_t IdentifierOf(const ValString *key) {
+    return static_cast<uint32_t>(TFontProperties::GetPropertyID(key));
+}
+
+TEST(FontProperties, EveryKeyHasItsTextAndItsIdentifier) {
+    for (const Row &row : kRows) {
+        EXPECT_EQ(TextOf(*row.key), row.text);
+        EXPECT_EQ(IdentifierOf(*row.key), row.identifier) << row.text;
+    }
+}
+
+TEST(FontProperties, AnEqualStringThatIsAnotherObjectIsTheSameKey) {
+    for (const Row &row : kRows) {
+        const auto copy = String(row.text);
+        ASSERT_NE(copy.Get(), *row.key);
+        EXPECT_EQ(IdentifierOf(copy.Get()), row.identifier) << row.text;
+    }
+}
+
+TEST(FontProperties, AnyOtherKeyIsUnknown) {
+    EXPECT_EQ(IdentifierOf(nullptr), 0u);
+    EXPECT_EQ(IdentifierOf(String("").Get()), 0u);
+    EXPECT_EQ(IdentifierOf(String("ksfontnameattribute").Get()), 0u);
+}
+
+TEST(Constants, TheRestOfThePublicStringsHaveTheirTexts) {
+    EXPECT_EQ(TextOf(kVLVariationAxisIdentifier), "KSLDVariationAxisIdentifier");
+    EXPECT_EQ(TextOf(kVLVariationAxisName), "KSLDVariationAxisName");
+    EXPECT_EQ(TextOf(kVLVariationAxisMinValue), "KSLDVariationAxisMinimumValue");
+    EXPECT_EQ(TextOf(kVLVariationAxisMaxValue), "KSLDVariationAxisMaximumValue");
+    EXPECT_EQ(TextOf(kVLVariationAxisDefaultValue), "KSLDVariationAxisDefaultValue");
+    EXPECT_EQ(TextOf(kVLFontTraitSymbolic), "KSLDFontSymbolicTrait");
+    EXPECT_EQ(TextOf(kVLFontTraitWeight), "KSLDFontWeightTrait");
+    EXPECT_EQ(TextOf(kVLFontTraitWidth), "KSLDFontProportionTrait");
+    EXPECT_EQ(TextOf(kVLFontTraitSlant), "KSLDFontSlantTrait");
+    EXPECT_EQ(TextOf(kVLFontURLScheme), "file");
+    EXPECT_EQ(TextOf(kVLFontURLFragmentSeparator), "#");
+    EXPECT_EQ(TextOf(kVLFontURLAdditionalEscapedChars), "#");
+    EXPECT_EQ(TextOf(kVLFontURLParameterSeparator), ";");
+    EXPECT_EQ(TextOf(kVLFontURLParameterKeyValueSeparator), "=");
+    EXPECT_EQ(TextOf(kVLFontURLParameterPostScriptName), "postscript-name");
+    EXPECT_EQ(TextOf(kVLFontURLParameterFamilyName), "family-name");
+    EXPECT_EQ(TextOf(kVLFontURLParameterFullName), "full-name");
+    EXPECT_EQ(TextOf(kVLFontURLParameterSubfamilyName), "subfamily-name");
+    EXPECT_EQ(TextOf(kVLFontURLParameterVariationPrefix), "var:");
+}
+
+} // namespace
+} // namespace vellum
