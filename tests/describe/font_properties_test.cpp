@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "describe/font_properties.hpp"
-
 #include "support/values.hpp"
 
 #include <gtest/gtest.h>
 
-namespace vellum {
+namespace vellum::test {
 namespace {
 
 struct Row {
@@ -96,4 +95,4 @@ TEST(Constants, TheRestOfThePublicStringsHaveTheirTexts) {
 }
 
 } // namespace
-} // namespace vellum
+} // namespace vellum::test

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vellum {
+namespace vellum::test {
 namespace {
 
 int Compare(const char *a, const char *b) {
@@ -24,9 +24,9 @@ TEST(CompareFamilyNames, ANameWithoutAFoundryComesBeforeOneWith) {
 }
 
 TEST(CompareFamilyNames, FoundriesComeInTheOrderOfTheTable) {
-    const char *const order[] = {"Adobe X",    "Orrery X", "Bauer X",     "Berthold X", "Bitstream X",
-                                 "ITC X",      "Linotype X", "Monotype X", "PMN X",     "Simoncini X",
-                                 "Stempel X",  "URW X",    "WTC X",       "#X"};
+    const char *const order[] = {"Adobe X",   "Orrery X",   "Bauer X",    "Berthold X", "Bitstream X",
+                                 "ITC X",     "Linotype X", "Monotype X", "PMN X",      "Simoncini X",
+                                 "Stempel X", "URW X",      "WTC X",      "#X"};
     for (size_t i = 0; i + 1 < std::size(order); ++i) {
         EXPECT_EQ(Compare(order[i], order[i + 1]), -1) << order[i];
         EXPECT_EQ(Compare(order[i + 1], order[i]), 1) << order[i];
@@ -50,4 +50,4 @@ TEST(ComparePostScriptNames, IsPlain) {
 }
 
 } // namespace
-} // namespace vellum
+} // namespace vellum::test

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-namespace vellum {
+namespace vellum::test {
 namespace {
 
 using ::testing::ElementsAre;
@@ -21,7 +21,9 @@ protected:
         return References(index.CopyFontsForKey(String(key).Get()));
     }
     FontReference Direct(const char *key) const { return index.GetFontForKeyInternal(String(key).Get()); }
-    const ValSet *SetOf(const char *key) const { return index.GetFontsSetForKeyInternal(String(key).Get()); }
+    const ValSet *SetOf(const char *key) const {
+        return index.GetFontsSetForKeyInternal(String(key).Get());
+    }
 
     TFontPostScriptNameIndex index;
 };
@@ -125,4 +127,4 @@ TEST(NameIndexes, EachIndexesItsProperty) {
 }
 
 } // namespace
-} // namespace vellum
+} // namespace vellum::test

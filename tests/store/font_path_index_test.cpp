@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "store/font_path_index.hpp"
-
+#include "support/temp_dir.hpp"
 #include "support/values.hpp"
 
 #include <gmock/gmock.h>
 
-namespace vellum {
+namespace vellum::test {
 namespace {
 
 using ::testing::ElementsAre;
@@ -15,10 +15,10 @@ constexpr FontReference kFirst = 0x80000001, kSecond = 0x80010001;
 
 class FontPathIndex : public ::testing::Test {
 protected:
-    void Add(FontReference font, const char *url) { index.AddFontForKey(font, URL(url).Get()); }
-    void Remove(FontReference font, const char *url) { index.RemoveFontForKey(font, URL(url).Get()); }
+    void Add(FontReference font, const char *url) { index.AddFontForKey(font, MakeURL(url).Get()); }
+    void Remove(FontReference font, const char *url) { index.RemoveFontForKey(font, MakeURL(url).Get()); }
     std::vector<FontReference> Find(const char *url) const {
-        return References(index.CopyFontsForKey(URL(url).Get()));
+        return References(index.CopyFontsForKey(MakeURL(url).Get()));
     }
 
     TFontPathIndex index;
@@ -103,4 +103,4 @@ TEST(NormalizePath, TakesDotsAndSlashesOutOfTheText) {
 }
 
 } // namespace
-} // namespace vellum
+} // namespace vellum::test

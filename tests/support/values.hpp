@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Short ways of making values and of looking into them.
+// Short ways of making values and of looking into them; URLs are made in temp_dir.hpp.
 #pragma once
 
 #include "store/font_reference.hpp"
@@ -10,18 +10,10 @@
 #include <string_view>
 #include <vector>
 
-namespace vellum {
+namespace vellum::test {
 
 inline Ref<const ValString> String(std::string_view text) {
     return Adopt(ValStringCreateWithUTF8(text.data(), text.size()));
-}
-
-inline Ref<const ValURL> URL(std::string_view text) {
-    return Adopt(ValURLCreateWithString(String(text).Get(), nullptr));
-}
-
-inline Ref<const ValURL> FileURL(std::string_view path) {
-    return Adopt(ValURLCreateWithFileSystemPath(String(path).Get(), false, nullptr));
 }
 
 inline Ref<const ValArray> Array(const std::vector<Ref<const ValURL>> &urls) {
@@ -67,4 +59,4 @@ inline std::vector<FontReference> References(const Ref<const ValSet> &set) {
     return references;
 }
 
-} // namespace vellum
+} // namespace vellum::test

@@ -6,7 +6,7 @@
 #include <random>
 #include <utility>
 
-namespace vellum {
+namespace vellum::test {
 namespace {
 
 using ::testing::ElementsAre;
@@ -27,8 +27,8 @@ TEST(MergeSort, SortsAnyNumberOfItems) {
 TEST(MergeSort, KeepsTheOrderOfEqualItems) {
     std::vector<std::pair<int, char>> items = {{2, 'a'}, {1, 'b'}, {2, 'c'}, {1, 'd'}, {2, 'e'}};
     MergeSort(items, [](const auto &a, const auto &b) { return a.first - b.first; });
-    EXPECT_THAT(items, ElementsAre(std::pair(1, 'b'), std::pair(1, 'd'), std::pair(2, 'a'), std::pair(2, 'c'),
-                                   std::pair(2, 'e')));
+    EXPECT_THAT(items, ElementsAre(std::pair(1, 'b'), std::pair(1, 'd'), std::pair(2, 'a'),
+                                   std::pair(2, 'c'), std::pair(2, 'e')));
 }
 
 TEST(MergeSort, LosesNothingWhateverTheComparisonClaims) {
@@ -51,4 +51,4 @@ TEST(MergeSort, GivesTheSameResultForTheSameInputUnderAComparisonThatContradicts
 }
 
 } // namespace
-} // namespace vellum
+} // namespace vellum::test

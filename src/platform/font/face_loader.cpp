@@ -28,7 +28,7 @@ std::vector<TFacePtr> LoadFaces(const TFontSourcePtr &source, const TReading &re
         break;
     case TFontKind::kWoff:
     case TFontKind::kWoff2:
-        LoadWoffFaces(source, reading, head, faces, instances);
+        LoadWoffFaces(source, reading, faces, instances);
         break;
     case TFontKind::kUnknown:
     case TFontKind::kPostScript:

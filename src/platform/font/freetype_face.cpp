@@ -117,7 +117,7 @@ void LoadFreeTypeFaces(const TFontSourcePtr &source, const TReading &reading, TF
             faces.push_back(
                 std::make_shared<const TFreeTypeFace>(source, kind, i, GatherFreeTypeFacts(face)));
         });
-        if (i == 0) count = claimed <= limits::kFaces ? claimed : 0;
+        if (i == 0) count = std::min(claimed, limits::kFaces);
     }
 }
 

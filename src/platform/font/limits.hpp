@@ -31,12 +31,14 @@ constexpr size_t kNameRecords = 1024;
 constexpr size_t kNameLength = 4096;
 
 // What is kept of one name table. Records may overlap, so that the table's size bounds nothing.
-constexpr size_t kKeptNameBytes = 64u << 10;
+constexpr size_t kKeptNameBytes = 32u << 10;
 
 // The part of a name table that can matter: records, then 64 KiB of text behind a 64 KiB offset.
 constexpr size_t kNameTableBytes = 256u << 10;
 
-constexpr size_t kFvarBytes = 8u << 20;
+// The largest table that the two bounds above allow, and what is read of such tables in one file.
+constexpr size_t kFvarBytes = 512u << 10;
+constexpr size_t kFvarBytesOfFile = 16u << 20;
 
 // The largest character map in use is about 1 MB.
 constexpr size_t kCmapBytes = 16u << 20;
@@ -50,9 +52,11 @@ constexpr size_t kCmapGroups = 4u << 20;
 // What a compressed bitmap font may become.
 constexpr size_t kInflatedBytes = 32u << 20;
 
-// What a WOFF file may become, and how many times its own size that may be.
+// What a WOFF file may become, and how many times its own size that may be. Each face of a
+// collection is unpacked for itself, so that all of them together have a bound as well.
 constexpr uint64_t kWoffBytes = 64u << 20;
 constexpr uint64_t kWoffRatio = 100;
+constexpr uint64_t kWoffBytesOfFile = 256u << 20;
 
 // What FreeType may hold at any moment, in bytes.
 constexpr size_t kFreeTypeMemory = 192u << 20;

@@ -25,13 +25,15 @@ public:
 private:
     bool HasHead(const TTableDirectory &directory) const;
     uint16_t CountGlyphs(const TTableDirectory &directory) const;
-    TVariations Variations(const TTableDirectory &directory) const;
+    TVariations Variations(const TTableDirectory &directory);
     std::shared_ptr<const TNames> Names(const TTableDirectory &directory, const TVariations &variations);
 
     const TFontSourcePtr &source_;
     const TReading &reading_;
     const TBytes head_;
     std::vector<std::shared_ptr<const TNames>> names_; // of the faces so far, each once
+    size_t fvar_bytes_ = limits::kFvarBytesOfFile;     // that may still be read
+    size_t instances_ = limits::kInstances;            // that may still be listed
 };
 
 bool TSfntLoader::HasHead(const TTableDirectory &directory) const {
@@ -51,11 +53,15 @@ uint16_t TSfntLoader::CountGlyphs(const TTableDirectory &directory) const {
     return known ? ReadU16(table, 4) : uint16_t{0};
 }
 
-TVariations TSfntLoader::Variations(const TTableDirectory &directory) const {
+TVariations TSfntLoader::Variations(const TTableDirectory &directory) {
     const auto fvar = directory.Find(MakeTag("fvar"));
     if (!fvar) return {};
     const size_t length = std::min<size_t>(fvar->length, limits::kFvarBytes);
-    return ReadVariations(reading_.Copy(fvar->offset, length).View());
+    if (length > fvar_bytes_) return {};
+    fvar_bytes_ -= length;
+    TVariations variations = ReadVariations(reading_.Copy(fvar->offset, length).View(), instances_);
+    instances_ -= variations.instances.size();
+    return variations;
 }
 
 // Looks back only a little way: faces that share a name table stand together, and a hostile
@@ -84,8 +90,9 @@ std::shared_ptr<const TSfntFace> TSfntLoader::Load(uint32_t index, uint32_t offs
 }
 
 void AddInstances(const std::shared_ptr<const TSfntFace> &face, std::vector<TFacePtr> &instances) {
-    const size_t count = std::min(face->Instances().size(), limits::kInstances - instances.size());
-    for (size_t i = 0; i < count; ++i) instances.push_back(std::make_shared<const TInstanceFace>(face, i));
+    for (size_t i = 0; i < face->Instances().size(); ++i) {
+        instances.push_back(std::make_shared<const TInstanceFace>(face, i));
+    }
 }
 
 } // namespace

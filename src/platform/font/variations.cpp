@@ -34,7 +34,7 @@ TNamedInstance ReadInstance(hb_face_t *face, unsigned int index, unsigned int ax
 
 } // namespace
 
-TVariations ReadVariations(TBytes fvar) {
+TVariations ReadVariations(TBytes fvar, size_t instances) {
     const TTableFunction tables = [fvar](GxTag tag) { return tag == MakeTag("fvar") ? fvar : TBytes(); };
     const TFaceHandle face = MakeFace(tables);
     const unsigned int axes = hb_ot_var_get_axis_count(face.get());
@@ -42,9 +42,8 @@ TVariations ReadVariations(TBytes fvar) {
     if (axes == 0 || axes > limits::kAxes) return variations;
     variations.axes = ReadAxes(face.get(), axes);
     const std::vector<double> defaults = variations.Defaults();
-    const unsigned int claimed = hb_ot_var_get_named_instance_count(face.get());
-    const unsigned int count = std::min(claimed, static_cast<unsigned int>(limits::kInstances));
-    for (unsigned int i = 0; i < count; ++i) {
+    const unsigned int count = hb_ot_var_get_named_instance_count(face.get());
+    for (unsigned int i = 0; i < count && variations.instances.size() < instances; ++i) {
         TNamedInstance instance = ReadInstance(face.get(), i, axes);
         if (instance.coordinates != defaults) variations.instances.push_back(std::move(instance));
     }

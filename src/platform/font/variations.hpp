@@ -35,6 +35,7 @@ struct TVariations {
     std::vector<double> Defaults() const;
 };
 
-TVariations ReadVariations(TBytes fvar);
+// At most `instances` instances are listed.
+TVariations ReadVariations(TBytes fvar, size_t instances);
 
 } // namespace vellum

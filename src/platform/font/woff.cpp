@@ -6,6 +6,7 @@
 #include "platform/font/freetype_stream.hpp"
 #include "platform/font/limits.hpp"
 #include "platform/font/sfnt_loader.hpp"
+#include "platform/font/woff_header.hpp"
 
 #include FT_TRUETYPE_TABLES_H
 
@@ -26,12 +27,6 @@ struct TUnpacked {
 };
 
 using TUnpackedPtr = std::shared_ptr<const TUnpacked>;
-
-bool IsBelievable(TBytes head, uint64_t file_size) noexcept {
-    const uint64_t unpacked = ReadU32(head, 16);
-    return ReadU16(head, 12) <= limits::kTables && unpacked <= limits::kWoffBytes &&
-           unpacked / limits::kWoffRatio <= file_size;
-}
 
 // FreeType has the whole unpacked font as the stream of its face; table 0 stands for all of it.
 TUnpackedPtr Unpack(const TReading &reading, uint32_t index) {
@@ -109,15 +104,17 @@ private:
 
 } // namespace
 
-void LoadWoffFaces(const TFontSourcePtr &source, const TReading &reading, TBytes head,
-                   std::vector<TFacePtr> &faces, std::vector<TFacePtr> &instances) {
-    if (!IsBelievable(head, reading.Size())) return;
+void LoadWoffFaces(const TFontSourcePtr &source, const TReading &reading, std::vector<TFacePtr> &faces,
+                   std::vector<TFacePtr> &instances) {
+    const std::optional<uint64_t> size = BelievableWoffSize(reading);
+    if (!size) return;
     size_t count = 1;
     for (uint32_t i = 0; i < count; ++i) {
         const auto face = std::make_shared<const TWoffSource>(source, i);
         const TUnpackedPtr font = face->CopyUnpacked(reading);
         if (!font) continue;
-        if (i == 0) count = font->faces <= limits::kFaces ? font->faces : 0;
+        if (i == 0) count = font->faces;
+        if (count > limits::kFaces || count * *size > limits::kWoffBytesOfFile) return;
         const TReading unpacked = TWoffSource::ReadingOf(font);
         LoadSfntFaces(face, unpacked, unpacked.Memory(), faces, instances);
     }

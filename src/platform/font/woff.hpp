@@ -9,9 +9,9 @@
 
 namespace vellum {
 
-// Appends the faces and instances of a packed font. `head` holds the file's first bytes.
-void LoadWoffFaces(const TFontSourcePtr &source, const TReading &reading, TBytes head,
-                   std::vector<TFacePtr> &faces, std::vector<TFacePtr> &instances);
+// Appends the faces and instances of a packed font.
+void LoadWoffFaces(const TFontSourcePtr &source, const TReading &reading, std::vector<TFacePtr> &faces,
+                   std::vector<TFacePtr> &instances);
 
 // Lets go of the font that was unpacked last, which is kept for the next round of reading.
 void ForgetUnpackedFont() noexcept;

@@ -37,6 +37,9 @@ private:
 CaseMapping LowerCharacter(char32_t c) noexcept {
     if (c < 0x80) return {{static_cast<char32_t>(LowerAscii(static_cast<char>(c)))}, 1};
     if (c == 0x130) return {{0x69, 0x307}, 2};
+    // GLib maps letters, but not the Roman numerals and circled letters, which have a case as well.
+    if (c >= 0x2160 && c <= 0x216F) return {{c + 16}, 1};
+    if (c >= 0x24B6 && c <= 0x24CF) return {{c + 26}, 1};
     return {{c > kLastCodePoint ? c : g_unichar_tolower(c)}, 1};
 }
 

@@ -30,6 +30,7 @@ TEST(Lowercase, IsTheSameInEveryLocale) {
     EXPECT_EQ(Lower("ß ẞ"), "ß ß");
     EXPECT_EQ(Lower("\u01C5"), "\u01C6");
     EXPECT_EQ(Lower("\U00010400"), "\U00010428");
+    EXPECT_EQ(Lower("\u2163 \u24B7"), "\u2173 \u24D1"); // numerals and circled letters
 }
 
 TEST(Lowercase, OfTheDottedCapitalIKeepsTheDot) {
@@ -53,18 +54,21 @@ TEST(Lowercase, KeepsWhatIsNoText) {
                                                                                       "b");
 }
 
-TEST(Lowercase, IsDoneAtOnce) {
+TEST(Lowercase, OfLowercaseIsItself) {
     for (char32_t c = 0; c < kRawByte; ++c) {
-        if (IsSurrogate(c)) continue;
-        for (char32_t lower : {LowerCharacter(c).characters[0]}) {
-            EXPECT_EQ(LowerCharacter(lower).characters[0], lower) << std::hex << static_cast<uint32_t>(c);
-        }
+        char32_t lower = LowerCharacter(c).characters[0];
+        ASSERT_EQ(LowerCharacter(lower).characters[0], lower) << std::hex << static_cast<uint32_t>(c);
     }
 }
 
-TEST(CaseFolding, AgreesWithGLibForEveryCodePoint) {
+// GLib takes Cherokee capitals to small letters and these to capitals, so that they never meet.
+constexpr bool IsCherokeeCapital(char32_t c) {
+    return c >= 0x13A0 && c <= 0x13F5;
+}
+
+TEST(CaseFolding, AgreesWithGLibForEveryCodePointButCherokeeCapitals) {
     for (char32_t c = 1; c < kRawByte; ++c) {
-        if (IsSurrogate(c)) continue;
+        if (IsSurrogate(c) || IsCherokeeCapital(c)) continue;
         char bytes[4];
         auto length = static_cast<gssize>(EncodeCharacter(c, bytes));
         std::unique_ptr<char, decltype(&g_free)> expected(g_utf8_casefold(bytes, length), g_free);
@@ -72,8 +76,25 @@ TEST(CaseFolding, AgreesWithGLibForEveryCodePoint) {
     }
 }
 
+TEST(CaseFolding, BringsCherokeeLettersToTheirCapitals) {
+    EXPECT_EQ(Written(FoldCharacter(0x13A0)), "\u13A0");
+    EXPECT_EQ(Written(FoldCharacter(0x13F5)), "\u13F5");
+    EXPECT_EQ(Written(FoldCharacter(0xAB70)), "\u13A0");
+    EXPECT_EQ(Written(FoldCharacter(0x13FD)), "\u13F5");
+}
+
+TEST(CaseFolding, OfFoldedTextIsItself) {
+    for (char32_t c = 0; c < kRawByte; ++c) {
+        const CaseMapping folded = FoldCharacter(c);
+        for (uint8_t i = 0; i < folded.count; ++i) {
+            ASSERT_EQ(Written(FoldCharacter(folded.characters[i])), Written({{folded.characters[i]}, 1}))
+                << std::hex << static_cast<uint32_t>(c);
+        }
+    }
+}
+
 TEST(CaseFolding, OfWhatIsNoTextIsTheSame) {
-    for (char32_t c : {char32_t{0xD800}, char32_t{0xDFFF}, kRawByte + 0xC1}) {
+    for (char32_t c : {char32_t{0xD800}, char32_t{0xDFFF}, char32_t{kRawByte + 0xC1}}) {
         EXPECT_EQ(FoldCharacter(c).characters[0], c);
         EXPECT_EQ(LowerCharacter(c).characters[0], c);
     }
