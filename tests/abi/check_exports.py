@@ -8,8 +8,9 @@ import re
 import subprocess
 import sys
 
-from declarations import COMMENT, exported_declarations
+from declarations import exported_declarations
 
+MAP_COMMENT = re.compile(r"/\*.*?\*/|#[^\n]*", re.DOTALL)
 NODE = re.compile(r"(\w[\w.]*)\s*\{(.*?)\}\s*(?:\w[\w.]*)?\s*;", re.DOTALL)
 
 
@@ -24,8 +25,9 @@ def declared_symbols(folder):
 
 def listed_symbols(text):
     """{name: node} of a version script, and the faults of the script itself."""
+    text = MAP_COMMENT.sub(" ", text)
     found, faults = {}, []
-    for node, body in NODE.findall(COMMENT.sub(" ", text)):
+    for node, body in NODE.findall(text):
         is_global = True
         for word in re.findall(r"[^\s;]+", body):
             if word in ("global:", "local:"):

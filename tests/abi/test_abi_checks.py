@@ -27,7 +27,7 @@ int VLOne(int (*callback)(void *), void *context) { return callback ? callback(c
 const int *const kVLTwo = &two;
 const char kVLThree[4] = "abc";
 """
-MAP = "VELLUM_1 { global: VLOne; /* VLNone; */ kVLTwo; kVLThree; local: *; };\n"
+MAP = "# VLNone;\nVELLUM_1 { global: VLOne; /* VLNone; */ kVLTwo; kVLThree; local: *; };\n"
 
 
 class Case(unittest.TestCase):
