@@ -66,6 +66,16 @@ bool IsSubtableCheap(TBytes subtable, TBudget &budget) noexcept {
     }
 }
 
+// HarfBuzz 6 cuts the groups of format 13, whose code points share one glyph, to the face's number of
+// glyphs as if they had a glyph each. A number beyond all code points keeps it from that.
+unsigned int GlyphsToAssume(TBytes cmap, unsigned int glyphs) noexcept {
+    constexpr unsigned int kMoreThanCodePoints = 0x120000;
+    for (size_t i = 0; i < ReadU16(cmap, 2); ++i) {
+        if (ReadU16(cmap, ReadU32(cmap, 4 + 8 * i + 4)) == 13) return kMoreThanCodePoints;
+    }
+    return glyphs;
+}
+
 // Looks at every subtable, since which one is read is HarfBuzz's choice.
 bool IsCheap(TBytes cmap) {
     const size_t records = ReadU16(cmap, 2);
@@ -89,7 +99,7 @@ Ref<const ValCharacterSet> ReadCoverage(TBytes cmap, TBytes os2, unsigned int gl
             return tag == kCmapTag ? cmap : tag == kOs2Tag ? os2 : TBytes();
         };
         const TFaceHandle face = MakeFace(tables);
-        hb_face_set_glyph_count(face.get(), glyphs);
+        hb_face_set_glyph_count(face.get(), GlyphsToAssume(cmap, glyphs));
         hb_face_collect_unicodes(face.get(), set.get());
     }
     return ShareCharacterSet(MakeCharacterSet([&set](uint32_t *first, uint32_t *last) {

@@ -26,7 +26,7 @@ TEST(Coverage, ComesFromGroupsOfFormat12) {
 }
 
 TEST(Coverage, ComesFromGroupsOfFormat13) {
-    EXPECT_EQ(CoverageOf(CmapFormat13({{0x4E00, 0x4E10, 1}})), "4E00-4E10");
+    EXPECT_EQ(CoverageOf(CmapFormat13({{0x4E00, 0x9FFF, 1}}), 2), "4E00-9FFF");
 }
 
 TEST(Coverage, LeavesOutWhatMapsToTheMissingGlyph) {
@@ -34,7 +34,10 @@ TEST(Coverage, LeavesOutWhatMapsToTheMissingGlyph) {
 }
 
 TEST(Coverage, LeavesOutGlyphsThatTheFaceDoesNotHave) {
-    EXPECT_EQ(CoverageOf(CmapFormat12({{'A', 'Z', 1}}), 5), "41-44");
+    const auto font = FontWithMap(CmapTable({{3, 10, CmapFormat12({{'A', 'Z', 1}})}}), 5);
+    const auto coverage = GxFontCopyCharacterSet(font.Get());
+    EXPECT_TRUE(ValCharacterSetContains(coverage.Get(), 'D')); // glyph 4, the last
+    EXPECT_FALSE(ValCharacterSetContains(coverage.Get(), 'Z'));
 }
 
 TEST(Coverage, IsEmptyWithoutACharacterMap) {
