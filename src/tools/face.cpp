@@ -109,7 +109,8 @@ public:
 
     void Add(const char *label, const std::string &text) {
         if (text.empty()) return;
-        out_ << "  " << label << std::string(12 - std::string_view(label).size(), ' ') << text << '\n';
+        out_ << "  " << label << std::string(12 - std::string_view(label).size(), ' ') << Printable(text)
+             << '\n';
     }
 
 private:
@@ -180,7 +181,7 @@ Json ToJson(const Face &face) {
 std::string ToText(const Face &face, bool colour) {
     std::ostringstream out;
     const std::string title = face.full_name.value_or(face.family_name.value_or("(without a name)"));
-    out << (colour ? "\033[1m" : "") << title << (colour ? "\033[0m" : "") << '\n';
+    out << (colour ? "\033[1m" : "") << Printable(title) << (colour ? "\033[0m" : "") << '\n';
     Lines lines(out);
     lines.Add("PostScript", face.postscript_name.value_or(""));
     lines.Add("family", face.family_name.value_or(""));

@@ -132,9 +132,8 @@ int Inspect(const Options &options) {
     const Outcome outcome = options.json    ? ShowDocument(files)
                             : options.jsonl ? ShowLines(files)
                                             : ShowText(files);
-    std::cout.flush();
     for (const Refusal &refusal : outcome.refusals)
-        std::cerr << "vellum: " << refusal.path << ": " << refusal.reason << '\n';
+        std::cerr << "vellum: " << Printable(refusal.path) << ": " << refusal.reason << '\n';
     return Judge(outcome);
 }
 

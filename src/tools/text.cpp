@@ -39,6 +39,24 @@ std::optional<std::string> Text(const ValString *string) {
     return ReplaceForeignBytes(Bytes(string));
 }
 
+std::string Printable(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string shown;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        // The second block of control characters, U+0080 to U+009F, is C2 80 to C2 9F in UTF-8.
+        const bool starts_control =
+            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        if (byte >= 0x20 && byte != 0x7F && !starts_control) {
+            shown += text[i];
+            continue;
+        }
+        const auto code = starts_control ? static_cast<unsigned char>(text[++i]) : byte;
+        shown += {'\\', 'x', kDigits[code >> 4], kDigits[code & 0xF]};
+    }
+    return shown;
+}
+
 Ref<const ValURL> FileURL(std::string_view path) {
     const auto text = Adopt(ValStringCreateWithFileSystemRepresentation(path.data(), path.size()));
     auto url = Adopt(ValURLCreateWithFileSystemPath(text.Get(), false, nullptr));

@@ -16,6 +16,10 @@ std::string Bytes(const ValString *string);
 // The text of a string, as JSON wants it: what is no Unicode is replaced. Nothing for null.
 std::optional<std::string> Text(const ValString *string);
 
+// Text as it may be shown to people: control characters, with which a name in a font could drive
+// the terminal, are written as \x and two digits.
+std::string Printable(std::string_view text);
+
 Ref<const ValURL> FileURL(std::string_view path);
 
 // The path of a file URL; its escapes decoded.

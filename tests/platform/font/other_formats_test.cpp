@@ -61,7 +61,7 @@ TEST(Type1, ReadsNamesThatAreNoUtf8AsLatin1) {
 TEST(Type1, DerivesAFullNameWhenItStatesNone) {
     Type1Font font;
     font.full_name = "";
-    EXPECT_EQ(Str(GxFontCopyFullName(FontOf(BuildPfb(font)).Get())), "Test Type Regular");
+    EXPECT_EQ(Str(GxFontCopyFullName(FontOf(BuildPfb(font)).Get())), "Test Type");
 }
 
 TEST(Type1, WithoutTheWordsThatBeginAFontIsNone) {
