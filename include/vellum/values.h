@@ -71,6 +71,7 @@ VAL_EXPORT const void *ValRetain(const void *value) VAL_NOEXCEPT;
 /* Gives one reference back; the last one frees the value. */
 VAL_EXPORT void ValRelease(const void *value) VAL_NOEXCEPT;
 
+/* The kind of a value; None for null. */
 VAL_EXPORT ValType ValGetType(const void *value) VAL_NOEXCEPT;
 
 /*
@@ -179,6 +180,7 @@ VAL_EXPORT int ValStringCompare(const ValString *a, const ValString *b,
 VAL_EXPORT bool ValStringFind(const ValString *string, const ValString *sought, ValCompareOptions options,
                               ValRange *found) VAL_NOEXCEPT;
 
+/* Whether a string begins or ends with another, code point by code point. */
 VAL_EXPORT bool ValStringHasPrefix(const ValString *string, const ValString *prefix) VAL_NOEXCEPT;
 VAL_EXPORT bool ValStringHasSuffix(const ValString *string, const ValString *suffix) VAL_NOEXCEPT;
 
@@ -229,6 +231,7 @@ enum {
     kValNumberTypeFloat64 = 6
 };
 
+/* A number of the type that the name says. */
 VAL_EXPORT const ValNumber *ValNumberCreateSInt8(int8_t value) VAL_NOEXCEPT;
 VAL_EXPORT const ValNumber *ValNumberCreateSInt16(int16_t value) VAL_NOEXCEPT;
 VAL_EXPORT const ValNumber *ValNumberCreateSInt32(int32_t value) VAL_NOEXCEPT;
@@ -236,6 +239,7 @@ VAL_EXPORT const ValNumber *ValNumberCreateSInt64(int64_t value) VAL_NOEXCEPT;
 VAL_EXPORT const ValNumber *ValNumberCreateFloat32(float value) VAL_NOEXCEPT;
 VAL_EXPORT const ValNumber *ValNumberCreateFloat64(double value) VAL_NOEXCEPT;
 
+/* The type that the number was made with; None for null. */
 VAL_EXPORT ValNumberType ValNumberGetNumberType(const ValNumber *number) VAL_NOEXCEPT;
 
 /*
@@ -250,6 +254,7 @@ VAL_EXPORT double ValNumberGetFloat64(const ValNumber *number) VAL_NOEXCEPT;
 VAL_EXPORT extern const ValBoolean *const kValBooleanTrue;
 VAL_EXPORT extern const ValBoolean *const kValBooleanFalse;
 
+/* False for null. */
 VAL_EXPORT bool ValBooleanGetValue(const ValBoolean *boolean) VAL_NOEXCEPT;
 
 /* ---- data and UUIDs -------------------------------------------------------------------------- */
@@ -269,6 +274,7 @@ VAL_EXPORT const ValData *ValDataCreateWithBytesNoCopy(const void *bytes, size_t
 /* Empty, with room for `capacity` bytes. */
 VAL_EXPORT ValData *ValDataCreateMutable(size_t capacity) VAL_NOEXCEPT;
 
+/* The length in bytes, and the bytes (borrowed). */
 VAL_EXPORT size_t ValDataGetLength(const ValData *data) VAL_NOEXCEPT;
 VAL_EXPORT const uint8_t *ValDataGetBytes(const ValData *data) VAL_NOEXCEPT;
 

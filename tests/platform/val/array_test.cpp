@@ -8,7 +8,7 @@ namespace {
 
 using ArrayRef = Ref<ValArray>;
 
-// Items are pointers to counters of how often they are held; equal when their last digits are.
+// Items are counters of how often they are held.
 const void *CountUp(const void *item) {
     ++*static_cast<int *>(const_cast<void *>(item));
     return item;
