@@ -14,7 +14,7 @@ function(vellum_add_check name label)
     endif()
     add_test(NAME ${name} COMMAND ${CHECK_COMMAND})
     set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT ${CHECK_TIMEOUT}
-        ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1;${CHECK_ENVIRONMENT}")
+        ENVIRONMENT "PYTHONDONTWRITEBYTECODE=1;ASAN_OPTIONS=allocator_may_return_null=1;${CHECK_ENVIRONMENT}")
 endfunction()
 
 # ---- the sources -----------------------------------------------------------------------------------
@@ -81,7 +81,7 @@ foreach(source ${c_tests})
     target_compile_options(c_${name} PRIVATE -Wpedantic -Wstrict-prototypes -Werror)
     target_link_libraries(c_${name} PRIVATE vellum vellum_options Threads::Threads)
     set(label c)
-    if(name MATCHES "concurrent")
+    if(name MATCHES "(^|_)concurrent_")
         set(label concurrent)
     endif()
     vellum_add_check(c.${name} ${label}
@@ -99,4 +99,23 @@ foreach(source ${fuzzers})
     vellum_add_check(replay.${name} replay
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
             $<TARGET_FILE:${name}_replay> ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+endforeach()
+
+# ---- what runs under the thread sanitizer ----------------------------------------------------------
+# Builds the programs that have concurrent tests, and no others: cmake --build ... --target
+# concurrent_tests. Read at configuration, so configure again after writing a program's first one.
+add_custom_target(concurrent_tests)
+get_property(targets DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
+foreach(target ${targets})
+    get_target_property(type ${target} TYPE)
+    if(NOT type STREQUAL "EXECUTABLE")
+        continue()
+    endif()
+    get_target_property(sources ${target} SOURCES)
+    foreach(source ${sources})
+        file(STRINGS ${source} found REGEX "Concurrent" LIMIT_COUNT 1)
+        if(found OR source MATCHES "[/_]concurrent_[a-z0-9_]*\\.c$")
+            add_dependencies(concurrent_tests ${target})
+        endif()
+    endforeach()
 endforeach()

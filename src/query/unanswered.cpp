@@ -17,8 +17,8 @@ Ref<const ValDictionary> TLocalGlypharyImp::CopyPropertiesForFontMatchingRequest
     return nullptr;
 }
 
-Ref<const ValArray> TLocalGlypharyImp::CopyFamilyNamesForLanguage(const ValString *, uint32_t,
-                                                                  VLScope) const {
+Ref<const ValArray> TLocalGlypharyImp::CopyFamilyNamesForLanguage(const ValString *, VLScope,
+                                                                  uint32_t) const {
     return nullptr;
 }
 

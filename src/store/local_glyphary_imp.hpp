@@ -54,8 +54,8 @@ public:
     Ref<const ValArray> CopyAvailableFontNames(VLScope scope) const override;
     Ref<const ValArray> CopyAvailableFontFamilyNames(VLScope scope) const override;
     Ref<const ValArray> CopyAvailableFontURLs(VLScope scope) const override;
-    Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, uint32_t reserved,
-                                                   VLScope scope) const override;
+    Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                   uint32_t reserved) const override;
     Ref<const ValURL> CopyFontForName(const ValString *name, VLScope scope) const override;
     Ref<const ValArray> CopyFontsForURL(const ValURL *url, VLScope scope) const override;
     Ref<const ValURL> CopyFontForRequest(const ValDictionary *request, VLScope scope) const override;

@@ -5,13 +5,17 @@
 #include "platform/val/object.hpp"
 
 #include <algorithm>
-#include <type_traits>
+#include <new>
 
 namespace vellum {
 namespace {
 
-constinit TValStringUniquerImp sStringUniquer;
-static_assert(std::is_trivially_destructible_v<TValStringUniquerImp>); // nothing runs at exit
+// Made by the first call and never destroyed: threads may outlive the end of the program.
+TValStringUniquerImp &Pool() noexcept {
+    alignas(TValStringUniquerImp) static std::byte sStorage[sizeof(TValStringUniquerImp)];
+    static auto *const sPool = new (sStorage) TValStringUniquerImp;
+    return *sPool;
+}
 
 bool IsHeldByPoolAlone(const void *string) noexcept {
     return AsObject(string)->references.load(std::memory_order_acquire) == 1;
@@ -29,30 +33,31 @@ Ref<const ValString> TValStringUniquerImp::GetUniqueString(const ValString *stri
 
 size_t TValStringUniquerImp::Count() noexcept {
     std::lock_guard lock(mutex_);
-    return ValSetGetCount(set_);
+    return ValSetGetCount(set_.Get());
 }
 
 const ValString *TValStringUniquerImp::FindOrAdd(const ValString *string) noexcept {
-    if (!set_) set_ = ValSetCreateMutable(0, nullptr);
+    if (!set_) set_ = Adopt(ValSetCreateMutable(0, nullptr));
     const void *member;
-    if (ValSetGetMemberIfPresent(set_, string, &member)) return static_cast<const ValString *>(member);
-    ValSetAdd(set_, string); // without memory, the string stands outside of the pool
+    if (ValSetGetMemberIfPresent(set_.Get(), string, &member))
+        return static_cast<const ValString *>(member);
+    ValSetAdd(set_.Get(), string); // without memory, the string stands outside of the pool
     return string;
 }
 
 void TValStringUniquerImp::SweepIfGrown() noexcept {
-    if (ValSetGetCount(set_) < next_sweep_) return;
+    if (ValSetGetCount(set_.Get()) < next_sweep_) return;
     size_t cursor = 0;
-    for (const void *member; ValSetNext(set_, &cursor, &member);) {
-        if (IsHeldByPoolAlone(member)) ValSetRemove(set_, member);
+    for (const void *member; ValSetNext(set_.Get(), &cursor, &member);) {
+        if (IsHeldByPoolAlone(member)) ValSetRemove(set_.Get(), member);
     }
-    next_sweep_ = std::max(kSmallestSweep, ValSetGetCount(set_) * 2);
+    next_sweep_ = std::max(kSmallestSweep, ValSetGetCount(set_.Get()) * 2);
 }
 
-TValStringUniquer::TValStringUniquer() noexcept : imp_(sStringUniquer) {}
+TValStringUniquer::TValStringUniquer() noexcept : imp_(Pool()) {}
 
 void SeedUniqueStrings(std::span<const ValString *const> strings) noexcept {
-    for (const ValString *string : strings) sStringUniquer.GetUniqueString(string);
+    for (const ValString *string : strings) Pool().GetUniqueString(string);
 }
 
 } // namespace vellum

@@ -27,8 +27,8 @@ private:
     const ValString *FindOrAdd(const ValString *string) noexcept;
     void SweepIfGrown() noexcept;
 
-    std::mutex mutex_;      // guards what follows
-    ValSet *set_ = nullptr; // made by the first call; the pool of the process is never destroyed
+    std::mutex mutex_; // guards what follows
+    Ref<ValSet> set_;  // made by the first call
     size_t next_sweep_ = kSmallestSweep;
 };
 

@@ -76,7 +76,7 @@ const ValArray *VLCopyFamilyNamesForLanguage(const ValString *language, VLScope 
         return ListBoth(
             scope,
             [&](const TGlypharyProtocol &registry) {
-                return registry.CopyFamilyNamesForLanguage(language, reserved, scope);
+                return registry.CopyFamilyNamesForLanguage(language, scope, reserved);
             },
             CompareItems<TFontEntity::CompareFamilyNames>);
     });

@@ -57,9 +57,9 @@ public:
     Ref<const ValArray> CopyAvailableFontURLs(VLScope scope) const override {
         return registry_->CopyAvailableFontURLs(scope);
     }
-    Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, uint32_t reserved,
-                                                   VLScope scope) const override {
-        return registry_->CopyFamilyNamesForLanguage(language, reserved, scope);
+    Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                   uint32_t reserved) const override {
+        return registry_->CopyFamilyNamesForLanguage(language, scope, reserved);
     }
     Ref<const ValURL> CopyFontForName(const ValString *name, VLScope scope) const override {
         return registry_->CopyFontForName(name, scope);

@@ -39,8 +39,8 @@ public:
     virtual Ref<const ValArray> CopyAvailableFontNames(VLScope scope) const = 0;
     virtual Ref<const ValArray> CopyAvailableFontFamilyNames(VLScope scope) const = 0;
     virtual Ref<const ValArray> CopyAvailableFontURLs(VLScope scope) const = 0;
-    virtual Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, uint32_t reserved,
-                                                           VLScope scope) const = 0;
+    virtual Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                           uint32_t reserved) const = 0;
 
     // Lookups.
     virtual Ref<const ValURL> CopyFontForName(const ValString *name, VLScope scope) const = 0;
