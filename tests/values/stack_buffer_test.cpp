@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <numeric>
 
 namespace vellum {
@@ -31,10 +30,6 @@ TEST(TStackBuffer, HasRoomForEveryElement) {
         for (size_t i = 0; i < count; ++i) EXPECT_EQ(buffer[i], static_cast<int>(i));
         EXPECT_EQ(buffer.Span().size(), count);
     }
-}
-
-TEST(TStackBuffer, ThrowsWhenThereIsNoMemory) {
-    EXPECT_THROW(TStackBuffer<char>(std::numeric_limits<size_t>::max() / 2), std::bad_alloc);
 }
 
 } // namespace

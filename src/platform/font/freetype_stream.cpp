@@ -17,6 +17,21 @@ TFreeTypeStream::TFreeTypeStream(const TReading &reading) noexcept {
     }
 }
 
+// Memory is handed over as such: FreeType 2.12 loses the stream that it puts in the place of one of
+// ours when it fails to open a packed font.
+FT_Open_Args TFreeTypeStream::Arguments() noexcept {
+    FT_Open_Args arguments = {};
+    if (stream_.base) {
+        arguments.flags = FT_OPEN_MEMORY;
+        arguments.memory_base = stream_.base;
+        arguments.memory_size = static_cast<FT_Long>(stream_.size);
+    } else {
+        arguments.flags = FT_OPEN_STREAM;
+        arguments.stream = &stream_;
+    }
+    return arguments;
+}
+
 // A count of 0 asks whether one may read at an offset: then 0 means yes.
 unsigned long TFreeTypeStream::Read(FT_Stream stream, unsigned long offset, unsigned char *buffer,
                                     unsigned long count) noexcept {
@@ -26,9 +41,7 @@ unsigned long TFreeTypeStream::Read(FT_Stream stream, unsigned long offset, unsi
 
 TFreeTypeFaceHandle OpenFreeTypeFace(FT_Library library, TFreeTypeStream &stream, uint32_t index,
                                      const char *driver) noexcept {
-    FT_Open_Args arguments = {};
-    arguments.flags = FT_OPEN_STREAM;
-    arguments.stream = stream.Get();
+    FT_Open_Args arguments = stream.Arguments();
     if (driver) {
         arguments.flags |= FT_OPEN_DRIVER;
         arguments.driver = FT_Get_Module(library, driver);

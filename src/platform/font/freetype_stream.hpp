@@ -20,6 +20,9 @@ public:
 
     FT_Stream Get() noexcept { return &stream_; }
 
+    // What FT_Open_Face takes.
+    FT_Open_Args Arguments() noexcept;
+
 private:
     static unsigned long Read(FT_Stream stream, unsigned long offset, unsigned char *buffer,
                               unsigned long count) noexcept;

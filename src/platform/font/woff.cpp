@@ -29,10 +29,11 @@ struct TUnpacked {
 using TUnpackedPtr = std::shared_ptr<const TUnpacked>;
 
 // FreeType has the whole unpacked font as the stream of its face; table 0 stands for all of it.
-TUnpackedPtr Unpack(const TReading &reading, uint32_t index) {
+// The packed font is in memory: see TFreeTypeStream::Arguments.
+TUnpackedPtr Unpack(const TReading &packed, uint32_t index) {
     const TFreeType freetype;
     if (!freetype.Library()) return nullptr;
-    TFreeTypeStream stream(reading);
+    TFreeTypeStream stream(packed);
     const auto face = OpenFreeTypeFace(freetype.Library(), stream, index, nullptr);
     FT_ULong length = 0;
     if (!face || FT_Load_Sfnt_Table(face.get(), 0, 0, nullptr, &length) != 0) return nullptr;
@@ -87,7 +88,9 @@ public:
 
     TUnpackedPtr CopyUnpacked(const TReading &reading) const {
         if (auto known = RecallUnpacked(serial_)) return known;
-        auto font = Unpack(reading, index_);
+        const TBuffer copy = reading.Memory().empty() ? reading.Copy(0, reading.Size()) : TBuffer();
+        const TReading memory(copy.Size() ? copy.View() : reading.Memory(), nullptr);
+        auto font = Unpack(memory, index_);
         if (font && font->bytes.Size() <= kKeptBytes) RememberUnpacked(serial_, font);
         return font;
     }

@@ -101,6 +101,7 @@ std::optional<uint64_t> BelievableWoffSize(const TReading &reading) {
     const TBuffer header = reading.Copy(0, kWoffHeaderSize);
     const size_t tables = ReadU16(header.View(), kTablesAt);
     if (header.Size() < kWoffHeaderSize || tables > limits::kTables) return std::nullopt;
+    if (reading.Size() > limits::kWoffBytes) return std::nullopt;
     if (!IsBelievable(ReadU32(header.View(), kSfntSizeAt), reading.Size())) return std::nullopt;
     const bool second = SniffFontKind(header.View()) == TFontKind::kWoff2;
     const auto sum = second ? SumOfWoff2(reading, tables) : SumOfWoff(reading, tables);

@@ -47,7 +47,8 @@ uint64_t HashData(const ValObject *object) {
 // Makes room for `capacity` bytes in all.
 bool Reserve(ValData *data, size_t capacity) noexcept {
     if (capacity <= data->capacity) return true;
-    if (capacity < SIZE_MAX / 2) capacity = std::max(capacity, data->capacity * 2);
+    if (capacity > kMaximumSize) return false;
+    capacity = std::max(capacity, std::min(data->capacity * 2, kMaximumSize));
     bool on_heap = data->place == ValData::Place::kHeap;
     auto *grown = static_cast<uint8_t *>(std::realloc(on_heap ? data->bytes : nullptr, capacity));
     if (!grown) return false;

@@ -42,10 +42,13 @@ struct ValObject {
     mutable std::atomic<uint32_t> references;
 };
 
+// No block of memory is larger.
+inline constexpr size_t kMaximumSize = PTRDIFF_MAX;
+
 // A new T in one allocation with `extra` bytes behind it, or null when memory is exhausted.
 template <class T, class... Arguments>
 T *AllocateObject(size_t extra, Arguments &&...arguments) noexcept {
-    if (extra > SIZE_MAX - sizeof(T)) return nullptr;
+    if (extra > kMaximumSize - sizeof(T)) return nullptr;
     void *memory = std::malloc(sizeof(T) + extra);
     return memory ? new (memory) T(std::forward<Arguments>(arguments)...) : nullptr;
 }

@@ -14,7 +14,7 @@ TextBuffer::~TextBuffer() {
 bool TextBuffer::Grow(size_t more) noexcept {
     if (failed_) return false;
     failed_ = true; // until there is memory
-    if (more > SIZE_MAX / 4 - length_) return false;
+    if (more > kMaximumSize / 2 - length_) return false;
     size_t capacity = std::max(capacity_ * 2, length_ + more);
     void *grown = std::realloc(bytes_ == in_place_ ? nullptr : bytes_, capacity);
     if (!grown) return false;

@@ -8,6 +8,12 @@
 #include <cstdlib>
 #include <filesystem>
 
+// The C library itself loses what it makes of LOCPATH; the leak sanitizer asks for this.
+extern "C" const char *__lsan_default_suppressions();
+const char *__lsan_default_suppressions() {
+    return "leak:argz_add_sep";
+}
+
 namespace vellum {
 namespace {
 

@@ -123,7 +123,7 @@ TEST(MutableData, RefusesALengthThatNoMemoryHas) {
     EXPECT_FALSE(ValDataSetLength(data.Get(), SIZE_MAX - 64));
     EXPECT_EQ(BytesOf(data.Get()), "a");
     EXPECT_EQ(ValDataCreateMutable(SIZE_MAX - 8), nullptr);
-    EXPECT_EQ(ValDataCreateMutable(SIZE_MAX / 2), nullptr);
+    EXPECT_EQ(ValDataCreateMutable(SIZE_MAX / 2 + 1), nullptr);
 }
 
 } // namespace
