@@ -58,7 +58,9 @@ void AskVariations(const GxFont *font) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size); // the fuzzer declares it nowhere
+
+int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     const auto data = Adopt(ValDataCreate(bytes, size));
     const auto font = GxFontCreateWithData(data.Get());
     if (!font) return 0;
