@@ -2,8 +2,10 @@
 // Registration of font files: the table, the references, what is refused.
 #include "describe/client_font_entity.hpp"
 #include "frame/registry/generation_seed.hpp"
+#include "platform/font/type_identifier.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "support/named_font.hpp"
+#include "support/resource_fork.hpp"
 #include "support/values.hpp"
 
 #include <gmock/gmock.h>
@@ -142,6 +144,30 @@ TEST_F(Register, WhatIsNoFileOfFontsIsRefusedAndDisturbsNothing) {
     const auto good = folder.Add("good.ttf", NamedFace{"Good"});
     EXPECT_TRUE(RegisterFile(good));
     EXPECT_EQ(registry.GetFontReference(good.Get()), ReferenceOf(0));
+}
+
+// The outlines of a suitcase's fonts, alone in the second fork of a file without a first one.
+TEST_F(Register, AFileOfBareOutlinesIsRefusedForItsType) {
+    const auto url = folder.Add("Outline", Bytes{});
+    folder.Write(".rsrc/Outline", ResourceFork({"POST"}));
+    ASSERT_TRUE(ConformsToTypeTag(url.Get(), "com.adobe.postscript-ptfn-font"));
+    EXPECT_FALSE(RegisterFile(url));
+}
+
+TEST_F(Register, AFileOnTheRootVolumeNeedsNoCopyInStableStorage) {
+    const auto url = FileURL("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
+    ASSERT_TRUE(VLGetDirectoryFlags(url.Get()) & kVLFontFlagRootVolume);
+    EXPECT_TRUE(RegisterFile(url, kVLFontFlagCopyToStable));
+    EXPECT_TRUE(registry.IsFontRegistered(url.Get()));
+}
+
+TEST_F(Register, AFileElsewhereThatCanNotBeCopiedIsNotRegisteredWhereItLies) {
+    ::setenv("TMPDIR", "/dev/shm", 1);
+    const FontFolder elsewhere;
+    const auto url = elsewhere.Add("a.ttf", NamedFace{"A"});
+    ASSERT_FALSE(VLGetDirectoryFlags(url.Get()) & kVLFontFlagRootVolume);
+    EXPECT_FALSE(RegisterFile(url, kVLFontFlagCopyToStable));
+    EXPECT_TRUE(RegisterFile(url));
 }
 
 TEST_F(Register, AnArrayItemThatIsNoURLIsAnError) {

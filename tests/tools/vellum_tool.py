@@ -21,6 +21,10 @@ KEPT = ("PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS",
 DONE, PROBLEMS, USAGE, REFUSED, BAD_FONT = 0, 1, 2, 4, 5
 
 
+# Starts a command that may read no file against its mode, not even as root.
+BOUND_BY_MODES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search") if os.geteuid() == 0 else ()
+
+
 class ToolCase(unittest.TestCase):
     """A test with a scratch folder, and a home in it that the tool should leave empty."""
 
@@ -39,9 +43,9 @@ class ToolCase(unittest.TestCase):
         kept = {name: os.environ[name] for name in KEPT if name in os.environ}
         return {**kept, **home, "HOME": str(self.home), "LC_ALL": "C.UTF-8", "TERM": "xterm-256color", **more}
 
-    def run_tool(self, *arguments, stdout=subprocess.PIPE, **environment):
-        """The finished run, its output as bytes."""
-        return subprocess.run([TOOL, *arguments], stdin=subprocess.DEVNULL, stdout=stdout,
+    def run_tool(self, *arguments, stdout=subprocess.PIPE, before=(), **environment):
+        """The finished run, its output as bytes; `before` is a command that starts the tool."""
+        return subprocess.run([*before, TOOL, *arguments], stdin=subprocess.DEVNULL, stdout=stdout,
                               stderr=subprocess.PIPE, timeout=DEADLINE, cwd=self.scratch,
                               env=self.environment(**environment))
 

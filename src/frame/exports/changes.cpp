@@ -2,7 +2,6 @@
 // Exported: registering, unregistering, enabling and disabling.
 #include "frame/exports/changes.hpp"
 
-#include "describe/gx_font_wrapper.hpp"
 #include "frame/exports/guard.hpp"
 #include "frame/handles/global_glyphary.hpp"
 #include "frame/handles/local_glyphary.hpp"
@@ -16,12 +15,11 @@ using namespace vellum;
 namespace {
 
 // The file URLs of an array, absolute and without fragments: a file is registered whole. URLs
-// without a path, and those of fonts in memory, are dropped.
+// without a path, those of fonts in memory among them, are dropped.
 Ref<const ValArray> CreateAbsolutePathURLArray(const ValArray *urls) {
     TValMutableArray files;
     for (size_t i = 0; i < ValArrayGetCount(urls); ++i) {
         const auto *url = Cast<ValURL>(ValArrayGetValue(urls, i));
-        if (TGxFont::IsInMemoryURL(url)) continue;
         const auto path = Adopt(ValURLCopyFileSystemPath(url));
         const auto file = Adopt(ValURLCreateWithFileSystemPath(path.Get(), false, nullptr));
         if (file) files.Append(file.Get());

@@ -8,7 +8,7 @@
 namespace vellum {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 struct TBeginning {
     std::string_view bytes;

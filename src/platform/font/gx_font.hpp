@@ -86,7 +86,8 @@ Ref<const ValString> GxFontCopyLocalizedName(const GxFont *font, GxNameKey key,
                                              const ValString *language) noexcept;
 
 // The languages that the name table lists, in the order of its records, each once: canonical BCP 47
-// identifiers, the empty string for records of no language. Null without a name table.
+// identifiers without the language's principal region ("en", "en-GB", "zh-Hans"), the empty string
+// for records of no language. Null without a name table.
 Ref<const ValArray> GxFontCopyNameLanguages(const GxFont *font) noexcept;
 
 // The bytes of a table, or null. Bytes that the file no longer holds are missing from the end.
@@ -96,7 +97,8 @@ Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag) noexcept;
 void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags,
                       std::span<Ref<const ValData>> tables) noexcept;
 
-// The tags of the face's tables in the order of the file's directory; empty for fonts without one.
+// The tags of the face's tables in the order of the file's directory, without those that begin past
+// the file's end; empty for fonts without a directory. The span lives as long as the font.
 std::span<const GxTag> GxFontGetTableTags(const GxFont *font) noexcept;
 
 // The code points that the face maps to a glyph. Never null; faces with equal coverage share one.

@@ -45,6 +45,9 @@ TNameTable::TNameTable(TBytes table, std::span<const uint16_t> more) : present_(
         AddRecord({ReadU16(record, 0), ReadU16(record, 2), ReadU16(record, 4), ReadU16(record, 6), 0, 0},
                   bytes);
     }
+    // There may be thousands of these.
+    records_.shrink_to_fit();
+    text_.shrink_to_fit();
 }
 
 void TNameTable::ReadTags(TBytes table, size_t at, TBytes text) {

@@ -212,7 +212,9 @@ bool ValCharacterSetAddRange(ValCharacterSet *set, uint32_t first, uint32_t last
     if (!set || first > last) return false;
     if (first >= kCodePointCount) return true;
     last = std::min(last, kCodePointCount - 1);
-    if (!AddPages(set, PagesOfRange(first, last))) return false;
+    // Most ranges of a font begin and end on a page that is there.
+    bool on_one_page = first / kPageBits == last / kPageBits && HasPage(set->presence, first / kPageBits);
+    if (!on_one_page && !AddPages(set, PagesOfRange(first, last))) return false;
     uint32_t at = PageRank(*set, first / kPageBits);
     for (uint32_t page = first / kPageBits; page <= last / kPageBits; ++page) {
         FillPage(set->pages[at++], page == first / kPageBits ? first % kPageBits : 0,

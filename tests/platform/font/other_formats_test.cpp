@@ -209,6 +209,13 @@ TEST(Woff, ThatPromisesTooMuchIsRefused) {
     EXPECT_FALSE(FontOf(WoffWithWord(12, 0xFFFF0000)));      // the number of tables
 }
 
+TEST(Woff, OfABrokenFontIsRefusedWithoutATrace) {
+    const TempDir folder;
+    const Bytes woff = BuildWoff(FontBuilder().Table("cmap", {1}).Table("head", {1, 2, 3}).Build());
+    EXPECT_FALSE(FontOf(woff));
+    EXPECT_FALSE(FontsAt(folder.Write("a.woff", woff)));
+}
+
 TEST(Woff, CutAtAnyLengthIsHarmless) {
     const Bytes whole = BuildWoff(FontBuilder().Build());
     for (size_t size = 0; size < whole.size(); size += 17) {

@@ -4,6 +4,7 @@
 #include "platform/font/type_identifier.hpp"
 #include "support/bitmap_fonts.hpp"
 #include "support/packed_fonts.hpp"
+#include "support/resource_fork.hpp"
 #include "support/type1_font.hpp"
 
 #include <gtest/gtest.h>
@@ -27,15 +28,6 @@ protected:
 
     const TempDir folder_;
 };
-
-// A resource map that lists these types, with nothing behind them.
-Bytes ResourceFork(const std::vector<std::string> &types) {
-    ByteWriter fork;
-    fork.U32(16).U32(16).U32(0).U32(static_cast<uint32_t>(30 + 8 * types.size()));
-    fork.Zeros(24).U16(28).U16(0).U16(static_cast<uint32_t>(types.size()) - 1);
-    for (const std::string &type : types) fork.Text(type).U16(0).U16(0);
-    return fork;
-}
 
 TEST_F(TypeOfFile, IsTrueTypeByItsMagic) {
     EXPECT_EQ(TypeOf(FontBuilder().Build()), "public.truetype-ttf-font");

@@ -191,6 +191,8 @@ TEST(RelativeURL, CoversTheOddCasesOfMerging) {
     EXPECT_EQ(AbsoluteTextOf(U("g", U("http://host"))), "http://host/g");
     EXPECT_EQ(AbsoluteTextOf(U("b//c/../d", U("file:///a//x/y"))), "file:///a//x/b//d");
     EXPECT_EQ(AbsoluteTextOf(U("g", U("data:abc"))), "data:g");
+    EXPECT_EQ(AbsoluteTextOf(U(".././g", U("data:abc"))), "data:g");
+    EXPECT_EQ(AbsoluteTextOf(U("..", U("data:abc"))), "data:");
     EXPECT_EQ(AbsoluteTextOf(U("/.//c", U("a:/b"))), "a:/.//c"); // not an authority
     EXPECT_EQ(AbsoluteTextOf(U("?", U("file:///a?q#f"))), "file:///a?");
     EXPECT_EQ(AbsoluteTextOf(U("", U("file:///a?q#f"))), "file:///a?q");
