@@ -9,9 +9,10 @@ import shlex
 import subprocess
 import sys
 
-# Arguments that name what is written; each is followed by one more.
-OUTPUT_OPTIONS = {"-o", "-MF", "-MT", "-MQ"}
-DROPPED_OPTIONS = {"-c", "-MD", "-MMD"}
+# Arguments that name what is written, or a precompiled header, without which every file must do;
+# each is followed by one more.
+OPTIONS_WITH_NAMES = {"-o", "-MF", "-MT", "-MQ", "-include"}
+DROPPED_OPTIONS = {"-c", "-MD", "-MMD", "-Winvalid-pch"}
 
 
 def clang_arguments(entry, suffix):
@@ -21,7 +22,7 @@ def clang_arguments(entry, suffix):
     result = [compiler + suffix, "-fsyntax-only", "-Werror"]
     words = iter(words[1:])
     for word in words:
-        if word in OUTPUT_OPTIONS:
+        if word in OPTIONS_WITH_NAMES:
             next(words, None)
         elif word not in DROPPED_OPTIONS:
             result.append(word)

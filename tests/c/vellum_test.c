@@ -8,12 +8,12 @@
 
 #define FONT_PATH "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
 
-#define CHECK(condition)                                                                                     \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                                  \
-            exit(EXIT_FAILURE);                                                                              \
-        }                                                                                                    \
+#define CHECK(condition)                                                                                   \
+    do {                                                                                                   \
+        if (!(condition)) {                                                                                \
+            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                                \
+            exit(EXIT_FAILURE);                                                                            \
+        }                                                                                                  \
     } while (0)
 
 static const ValURL *FontURL(void) {
@@ -78,8 +78,10 @@ static void BadArgumentsAnswerNothing(void) {
     errors = (const ValArray *)&errors;
     CHECK(!VLUnregisterFonts(NULL, 0, kVLScopeProcess, &errors) && errors == NULL);
     CHECK(!VLRegisterFont(NULL, 0, kVLScopeProcess) && !VLUnregisterFont(NULL, 0, kVLScopeProcess));
-    CHECK(!VLRegisterDataFont(NULL, 0, 0, kVLScopeProcess) && !VLUnregisterDataFont(NULL, 0, kVLScopeProcess));
-    CHECK(!VLRegisterFontDirectory(NULL, 0, 0, kVLScopeUser) && !VLUnregisterFontDirectory(NULL, 0, kVLScopeUser));
+    CHECK(!VLRegisterDataFont(NULL, 0, 0, kVLScopeProcess) &&
+          !VLUnregisterDataFont(NULL, 0, kVLScopeProcess));
+    CHECK(!VLRegisterFontDirectory(NULL, 0, 0, kVLScopeUser) &&
+          !VLUnregisterFontDirectory(NULL, 0, kVLScopeUser));
     VLEnableFonts(NULL, 0, kVLScopeAll);
     VLDisableFonts(NULL, 0, kVLScopeAll);
     VLSetPropertiesForFonts(NULL, NULL, kVLScopeAll);
