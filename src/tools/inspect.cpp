@@ -149,7 +149,7 @@ void AddInspect(CLI::App &app, int &result) {
                  "Exit codes: 0 every file was read; 1 some were refused, or there were none;\n"
                  "2 wrong usage; 4 a file may not be read; 5 what was named is no font.\n\n"
                  "Example:\n"
-                 "  vellum inspect --json /usr/share/fonts | jq '.faces[].familyName'");
+                 "  vellum inspect --json /usr/share/fonts | jq '.faces[].familyName'\n");
     verb->callback([options, &result] { result = Inspect(*options); });
 }
 

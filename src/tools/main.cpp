@@ -38,7 +38,7 @@ int Run(int count, char **arguments) {
     app.set_version_flag("--version", "vellum " VELLUM_VERSION);
     app.require_subcommand(1);
     app.footer(
-        "Example:\n  vellum inspect ~/.local/share/fonts\n\n'vellum VERB --help' tells more of a verb.");
+        "Example:\n  vellum inspect ~/.local/share/fonts\n\n'vellum VERB --help' tells more of a verb.\n");
     int result = kDone;
     AddInspect(app, result);
 

@@ -76,6 +76,14 @@ TEST_F(Changes, EnablingAFontThatWasNeverDisabledSucceedsIfItWasThereBeforeTheIn
     EXPECT_FALSE(Enable(late));
 }
 
+TEST_F(Changes, DisablingAnythingAtAllMakesTheIndexOfDisabledFonts) {
+    const auto early = AddFile("a.ttf", MakeFont({"A"}));
+    EXPECT_FALSE(Disable(folder.URLOf("none.ttf")));
+    const auto late = AddFile("b.ttf", MakeFont({"B"}));
+    EXPECT_TRUE(Enable(early));
+    EXPECT_FALSE(Enable(late));
+}
+
 TEST_F(Changes, UnregisteringAnUnknownURLSucceedsAndCounts) {
     EXPECT_TRUE(Unregister(folder.URLOf("none.ttf")));
     EXPECT_EQ(registry.GetChangeCount(), 1u);
