@@ -1,19 +1,11 @@
 /* SPDX-License-Identifier: MIT */
 /* The values from C, with nothing but the library: every function of values.h, what it gives and what
    null makes of it. */
+#include "check.h"
+
 #include <vellum/values.h>
 
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
-
-#define CHECK(condition)                                                                                   \
-    do {                                                                                                   \
-        if (!(condition)) {                                                                                \
-            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                                \
-            exit(EXIT_FAILURE);                                                                            \
-        }                                                                                                  \
-    } while (0)
 
 static const ValString *Text(const char *text) {
     return ValStringCreateWithCString(text);

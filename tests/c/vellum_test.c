@@ -1,20 +1,12 @@
 /* SPDX-License-Identifier: MIT */
 /* The register from C: what README shows, and every exported function once with nothing to say. */
+#include "check.h"
+
 #include <vellum/vellum.h>
 
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 #define FONT_PATH "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
-
-#define CHECK(condition)                                                                                   \
-    do {                                                                                                   \
-        if (!(condition)) {                                                                                \
-            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                                \
-            exit(EXIT_FAILURE);                                                                            \
-        }                                                                                                  \
-    } while (0)
 
 static const ValURL *FontURL(void) {
     const ValString *path = ValStringCreateWithCString(FONT_PATH);

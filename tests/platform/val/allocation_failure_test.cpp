@@ -48,9 +48,7 @@ namespace {
 
 class ExhaustedMemory : public ::testing::Test {
 protected:
-    void SetUp() override {
-        if (!__real_malloc) GTEST_SKIP() << "not linked with --wrap";
-    }
+    void SetUp() override { ASSERT_NE(__real_malloc, nullptr) << "not linked with --wrap"; }
     void TearDown() override { sLeft = -1; }
 
     // Runs `work` with its first allocation failing, then its second, until none fails any more.
