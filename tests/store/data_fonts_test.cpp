@@ -83,6 +83,8 @@ TEST_F(DataFonts, KeepTheLegacyContainerThatTheyWereGiven) {
     Add(bar);
     registry.GetDataFont(bar.Get(), &container);
     EXPECT_EQ(container, 0u);
+    registry.GetDataFont(foo.Get(), &container);
+    EXPECT_EQ(container, 77u);
     EXPECT_FALSE(registry.GetDataFont(AsData({1, 2, 3}).Get(), &container));
 }
 
