@@ -32,3 +32,18 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/vellum-config-version.cmake
     DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
 install(EXPORT vellum-targets NAMESPACE vellum:: DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
+
+# The framework of the legacy font service. The library reads its resources where this was when it was
+# configured, unless the environment names another place; ours is an empty bundle over share/vellum.
+set(VELLUM_FRAMEWORK_DIR "${CMAKE_INSTALL_FULL_LIBDIR}/vellum/Fount.framework" CACHE PATH
+    "The framework folder of the legacy font service")
+set_source_files_properties(ipc/session/session_manager.cpp PROPERTIES
+    COMPILE_DEFINITIONS "VELLUM_FRAMEWORK_DIR=\"${VELLUM_FRAMEWORK_DIR}\"")
+
+file(RELATIVE_PATH framework_to_resources
+    ${CMAKE_INSTALL_FULL_LIBDIR}/vellum/Fount.framework ${CMAKE_INSTALL_FULL_DATADIR}/vellum)
+file(CREATE_LINK ${framework_to_resources} ${CMAKE_CURRENT_BINARY_DIR}/Resources SYMBOLIC)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vellum
+    COMPONENT runtime)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Resources DESTINATION ${CMAKE_INSTALL_LIBDIR}/vellum/Fount.framework
+    COMPONENT runtime)

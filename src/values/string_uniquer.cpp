@@ -2,7 +2,8 @@
 // One string for each text: the process's pool of names.
 #include "values/string_uniquer.hpp"
 
-#include "platform/val/object.hpp"
+#include "platform/val/set.hpp"
+#include "platform/val/string.hpp"
 
 #include <algorithm>
 #include <new>
@@ -10,10 +11,16 @@
 namespace vellum {
 namespace {
 
+TValStringUniquerImp *MakePool(void *storage) noexcept {
+    auto *pool = new (storage) TValStringUniquerImp;
+    for (const ValString *constant : PooledConstants()) pool->GetUniqueString(constant);
+    return pool;
+}
+
 // Made by the first call and never destroyed: threads may outlive the end of the program.
 TValStringUniquerImp &Pool() noexcept {
     alignas(TValStringUniquerImp) static std::byte sStorage[sizeof(TValStringUniquerImp)];
-    static auto *const sPool = new (sStorage) TValStringUniquerImp;
+    static auto *const sPool = MakePool(sStorage);
     return *sPool;
 }
 
@@ -29,6 +36,18 @@ Ref<const ValString> TValStringUniquerImp::GetUniqueString(const ValString *stri
     Ref<const ValString> unique = Retain(FindOrAdd(string)); // before the sweep
     SweepIfGrown();
     return unique;
+}
+
+Ref<const ValString> TValStringUniquerImp::GetUniqueString(std::string_view text, uint64_t hash) noexcept {
+    Ref<const ValString> found = FindText(text, hash);
+    Ref<const ValString> string = found ? found : MakeString(text);
+    if (string && !string.Get()->is_unicode) return EmptyString(); // the pool may hold such a name
+    return found ? found : GetUniqueString(string.Get());
+}
+
+Ref<const ValString> TValStringUniquerImp::FindText(std::string_view text, uint64_t hash) noexcept {
+    std::lock_guard lock(mutex_);
+    return set_ ? Retain(FindStringInSet(*set_, text, hash)) : nullptr;
 }
 
 size_t TValStringUniquerImp::Count() noexcept {
@@ -55,9 +74,5 @@ void TValStringUniquerImp::SweepIfGrown() noexcept {
 }
 
 TValStringUniquer::TValStringUniquer() noexcept : imp_(Pool()) {}
-
-void SeedUniqueStrings(std::span<const ValString *const> strings) noexcept {
-    for (const ValString *string : strings) Pool().GetUniqueString(string);
-}
 
 } // namespace vellum

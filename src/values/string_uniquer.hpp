@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <mutex>
 #include <span>
+#include <string_view>
 
 namespace vellum {
 
@@ -21,10 +22,15 @@ public:
     // memory is exhausted, `string` itself. Null for null.
     Ref<const ValString> GetUniqueString(const ValString *string) noexcept;
 
+    // The same for a text, whose HashText it is: nothing is allocated when the pool has it. A text
+    // that is no valid UTF-8 gives the empty string. Null when memory is exhausted.
+    Ref<const ValString> GetUniqueString(std::string_view text, uint64_t hash) noexcept;
+
     size_t Count() noexcept;
 
 private:
     const ValString *FindOrAdd(const ValString *string) noexcept;
+    Ref<const ValString> FindText(std::string_view text, uint64_t hash) noexcept;
     void SweepIfGrown() noexcept;
 
     std::mutex mutex_; // guards what follows
@@ -40,13 +46,16 @@ public:
     Ref<const ValString> GetUniqueString(const ValString *string) noexcept {
         return imp_.GetUniqueString(string);
     }
+    Ref<const ValString> GetUniqueString(std::string_view text, uint64_t hash) noexcept {
+        return imp_.GetUniqueString(text, hash);
+    }
 
 private:
     TValStringUniquerImp &imp_;
 };
 
-// Puts constants into the pool, so that equal text becomes these very objects. To be called before
-// others can have put equal text there; such text would stay.
-void SeedUniqueStrings(std::span<const ValString *const> strings) noexcept;
+// The constants that the process's pool begins with, so that equal text becomes these very objects.
+// Defined where they are: describe/constants.cpp.
+std::span<const ValString *const> PooledConstants() noexcept;
 
 } // namespace vellum

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "platform/val/static_string.hpp"
+#include "platform/val/string.hpp"
 #include "values/string_uniquer.hpp"
 #include "values/val_str.hpp"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 #include <vector>
 
 namespace vellum {
 namespace {
-
-constinit const StaticString kSeeded("a seeded constant");
 
 TValStr Numbered(int number) {
     return TValStr("name " + std::to_string(number));
@@ -82,13 +81,37 @@ TEST(StringPool, IsOneForTheProcess) {
     EXPECT_EQ(TValStringUniquer().GetUniqueString(TValStr("one pool").Get()).Get(), first.Get());
 }
 
-TEST(StringPool, GivesSeededConstantsForEqualText) {
-    const ValString *const constants[] = {kSeeded.Get()};
-    SeedUniqueStrings(constants);
-    EXPECT_EQ(TValStringUniquer().GetUniqueString(TValStr("a seeded constant").Get()).Get(), kSeeded.Get());
+TEST(StringPool, GivesTheKeyConstantsForEqualText) {
+    ASSERT_FALSE(PooledConstants().empty());
     for (int i = 0; i < 10'000; ++i) (void)TValStringUniquer().GetUniqueString(Numbered(i).Get());
-    EXPECT_EQ(TValStringUniquer().GetUniqueString(TValStr("a seeded constant").Get()).Get(), kSeeded.Get());
-    EXPECT_EQ(kSeeded.references.load(), ValObject::kImmortal);
+    for (const ValString *constant : PooledConstants()) {
+        const TValStr copy(Text(constant));
+        const auto unique = TValStringUniquer().GetUniqueString(copy.Get());
+        EXPECT_EQ(Text(unique), Text(constant));
+        EXPECT_EQ(std::ranges::count(PooledConstants(), unique.Get()), 1); // two of them have one text
+        EXPECT_EQ(constant->references.load(), ValObject::kImmortal);
+    }
+}
+
+TEST(StringUniquer, FindsAStringByItsTextAlone) {
+    TValStringUniquerImp pool;
+    const TValStr string("by text");
+    const auto unique = pool.GetUniqueString(string.Get());
+    EXPECT_EQ(pool.GetUniqueString("by text", HashText("by text")).Get(), unique.Get());
+    const auto other = pool.GetUniqueString("other", HashText("other"));
+    EXPECT_EQ(Text(other), "other");
+    EXPECT_EQ(pool.GetUniqueString("other", HashText("other")).Get(), other.Get());
+    EXPECT_EQ(pool.Count(), 2U);
+}
+
+TEST(StringUniquer, GivesTheEmptyStringForATextThatIsNoUTF8) {
+    TValStringUniquerImp pool;
+    EXPECT_EQ(Text(pool.GetUniqueString("\xFF", HashText("\xFF"))), "");
+    EXPECT_EQ(pool.Count(), 0U);
+    const uint16_t lone[] = {0xD800}; // a name out of a font
+    const auto name = Adopt(ValStringCreateWithUTF16(lone, 1));
+    EXPECT_EQ(pool.GetUniqueString(name.Get()).Get(), name.Get());
+    EXPECT_EQ(Text(pool.GetUniqueString(Text(name), HashText(Text(name)))), "");
 }
 
 TEST(ConcurrentStringUniquer, GivesEveryThreadTheSameStringsThroughSweeps) {

@@ -61,6 +61,17 @@ bool Reserve(ValArray *array, size_t more) noexcept {
 
 constinit const ValKind kArrayKind{kValTypeArray, "Array", FinalizeArray, EqualArrays, HashArray, nullptr};
 
+ValArray *AdoptIntoArray(std::span<const void *const> items) noexcept {
+    ValArray *array = ValArrayCreateMutable(items.size(), nullptr);
+    if (!array) {
+        for (const void *item : items) ValRelease(item);
+        return nullptr;
+    }
+    std::ranges::copy(items, array->items);
+    array->count = items.size();
+    return array;
+}
+
 } // namespace vellum
 
 using namespace vellum;

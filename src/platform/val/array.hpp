@@ -28,4 +28,8 @@ inline std::span<const void *const> Items(const ValArray *array) noexcept {
                  : std::span<const void *const>();
 }
 
+// An array of values (or null) whose references it takes over. Null when memory is exhausted, with
+// the references released.
+ValArray *AdoptIntoArray(std::span<const void *const> items) noexcept;
+
 } // namespace vellum

@@ -60,7 +60,7 @@ inline std::span<const CharacterPage> Pages(const ValCharacterSet &set) noexcept
 // Sets the bits `first` to `last` of a page.
 void FillPage(CharacterPage &page, uint32_t first, uint32_t last) noexcept;
 
-// A set with the given pages, all of them still empty, in one block; the caller fills every one.
+// A set with the given pages in one block; the caller writes every one.
 ValCharacterSet *AllocateCharacterSet(const PageBitmap &presence) noexcept;
 
 // A set from ranges in any order. `next` is a function (uint32_t *first, uint32_t *last) -> bool as
@@ -85,11 +85,16 @@ Ref<const ValCharacterSet> MakeCharacterSet(Next next) noexcept {
     });
     ValCharacterSet *set = AllocateCharacterSet(presence);
     if (!set) return nullptr;
+    for (CharacterPage &page : std::span(set->pages, set->page_count)) page = {};
     walk([set](uint32_t from, uint32_t to) {
         FillPage(set->pages[PageRank(*set, from / kPageBits)], from % kPageBits, to % kPageBits);
     });
     return Ref<const ValCharacterSet>::Adopt(set);
 }
+
+// The length of a set's bitmap form, and that many bytes of it into `out`.
+size_t BitmapLength(const ValCharacterSet &set) noexcept;
+void WriteBitmap(const ValCharacterSet &set, uint8_t *out) noexcept;
 
 // The one live set that is equal to `set` among those given to this function: most faces of a
 // family cover the same characters. The table does not keep sets alive. When memory is exhausted,

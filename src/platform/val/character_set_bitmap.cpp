@@ -5,6 +5,7 @@
 #include "platform/val/hash.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vellum {
 namespace {
@@ -12,6 +13,7 @@ namespace {
 constexpr size_t kPlaneBytes = 8192;
 constexpr uint32_t kPlanes = 17;
 constexpr uint32_t kPlanePages = kPlaneBytes * 8 / kPageBits;
+constexpr uint32_t kPlaneWords = kPlanePages / 64; // of the bits that tell which pages are there
 constexpr size_t kPageBytes = kPageBits / 8;
 
 // The bytes of each plane; a plane that is not given is empty.
@@ -30,39 +32,81 @@ bool SplitPlanes(std::string_view bytes, Planes &planes) noexcept {
     return true;
 }
 
-CharacterPage ReadPage(const Planes &planes, uint32_t page) noexcept {
-    std::string_view plane = planes[page / kPlanePages];
-    size_t offset = std::min(page % kPlanePages * kPageBytes, plane.size());
-    std::string_view bytes = plane.substr(offset, kPageBytes);
-    CharacterPage words{};
-    for (size_t i = 0; i < bytes.size(); i += 8) {
-        words[i / 8] = LoadBytes(bytes.data() + i, std::min<size_t>(bytes.size() - i, 8));
-    }
-    return words;
+constexpr size_t kPageWords = kPageBytes / 8;
+
+// Visits the pages of a plane: visit(number of the page, its bytes). The plane may end within the last.
+template <class Visit>
+void ForEachPage(std::string_view plane, Visit visit) noexcept {
+    const size_t whole = plane.size() / kPageBytes;
+    for (size_t page = 0; page < whole; ++page) visit(page, plane.data() + page * kPageBytes);
+    if (plane.size() % kPageBytes == 0) return;
+    char bytes[kPageBytes] = {};
+    std::memcpy(bytes, plane.data() + whole * kPageBytes, plane.size() % kPageBytes);
+    visit(whole, bytes);
+}
+
+uint64_t PageWord(const char *page, size_t word) noexcept {
+    return LoadBytes(page + word * 8, 8);
 }
 
 PageBitmap FindPages(const Planes &planes) noexcept {
     PageBitmap presence{};
-    for (uint32_t page = 0; page < kPageCount; ++page) {
-        if (ReadPage(planes, page) != CharacterPage{}) presence[page / 64] |= uint64_t{1} << (page % 64);
+    for (uint32_t plane = 0; plane < kPlanes; ++plane) {
+        uint64_t *const words = &presence[plane * kPlaneWords];
+        ForEachPage(planes[plane], [words](size_t page, const char *bytes) {
+            uint64_t members = 0;
+            for (size_t i = 0; i < kPageWords; ++i) members |= PageWord(bytes, i);
+            words[page / 64] |= uint64_t{members != 0} << (page % 64);
+        });
     }
     return presence;
 }
 
 void WritePage(const CharacterPage &page, uint8_t *out) noexcept {
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(out, page.data(), kPageBytes);
+        return;
+    }
     for (uint64_t word : page) {
         for (int i = 0; i < 8; ++i, word >>= 8) *out++ = static_cast<uint8_t>(word);
     }
 }
 
-// Writes one plane's bytes, which are zeros so far.
-void WritePlane(const ValCharacterSet &set, uint32_t plane, uint8_t *out) noexcept {
-    for (uint32_t i = 0; i < kPlanePages; ++i) {
-        if (auto *page = FindPage(set, plane * kPlanePages + i)) WritePage(*page, out + i * kPageBytes);
+// Writes a plane; `pages` stands at its first page that is there, and then behind its last one.
+void WritePlane(const ValCharacterSet &set, uint32_t plane, const CharacterPage *&pages,
+                uint8_t *out) noexcept {
+    for (uint32_t word = plane * kPlaneWords; word < (plane + 1) * kPlaneWords; ++word) {
+        uint64_t presence = set.presence[word];
+        if (presence != ~uint64_t{0}) std::memset(out, 0, kPlaneBytes / kPlaneWords);
+        for (; presence; presence &= presence - 1) {
+            WritePage(*pages++, out + static_cast<size_t>(std::countr_zero(presence)) * kPageBytes);
+        }
+        out += kPlaneBytes / kPlaneWords;
     }
 }
 
 } // namespace
+
+size_t BitmapLength(const ValCharacterSet &set) noexcept {
+    size_t length = kPlaneBytes;
+    for (uint32_t plane = 1; plane < kPlanes; ++plane) {
+        if (ValCharacterSetHasMemberInPlane(&set, plane)) length += 1 + kPlaneBytes;
+    }
+    return length;
+}
+
+void WriteBitmap(const ValCharacterSet &set, uint8_t *out) noexcept {
+    const CharacterPage *pages = set.pages;
+    WritePlane(set, 0, pages, out);
+    out += kPlaneBytes;
+    for (uint32_t plane = 1; plane < kPlanes; ++plane) {
+        if (!ValCharacterSetHasMemberInPlane(&set, plane)) continue;
+        *out++ = static_cast<uint8_t>(plane);
+        WritePlane(set, plane, pages, out);
+        out += kPlaneBytes;
+    }
+}
+
 } // namespace vellum
 
 using namespace vellum;
@@ -71,28 +115,22 @@ const ValCharacterSet *ValCharacterSetCreateWithBitmap(const void *bytes, size_t
     Planes planes;
     if (!bytes || !SplitPlanes({static_cast<const char *>(bytes), length}, planes)) return nullptr;
     ValCharacterSet *set = AllocateCharacterSet(FindPages(planes));
-    for (uint32_t page = 0, at = 0; set && at < set->page_count; ++page) {
-        if (FindPage(*set, page)) set->pages[at++] = ReadPage(planes, page);
+    if (!set) return nullptr;
+    CharacterPage *out = set->pages;
+    for (uint32_t plane = 0; plane < kPlanes; ++plane) {
+        const uint64_t *const presence = &set->presence[plane * kPlaneWords];
+        ForEachPage(planes[plane], [presence, &out](size_t page, const char *members) {
+            if (!(presence[page / 64] >> (page % 64) & 1)) return;
+            for (size_t i = 0; i < kPageWords; ++i) (*out)[i] = PageWord(members, i);
+            ++out;
+        });
     }
     return set;
 }
 
 const ValData *ValCharacterSetCopyBitmap(const ValCharacterSet *set) noexcept {
     if (!set) return nullptr;
-    size_t length = kPlaneBytes;
-    for (uint32_t plane = 1; plane < kPlanes; ++plane) {
-        if (ValCharacterSetHasMemberInPlane(set, plane)) length += 1 + kPlaneBytes;
-    }
-    Ref<ValData> data = Adopt(ValDataCreateMutable(length));
-    if (!ValDataSetLength(data.Get(), length)) return nullptr;
-    uint8_t *out = data.Get()->bytes;
-    WritePlane(*set, 0, out);
-    out += kPlaneBytes;
-    for (uint32_t plane = 1; plane < kPlanes; ++plane) {
-        if (!ValCharacterSetHasMemberInPlane(set, plane)) continue;
-        *out++ = static_cast<uint8_t>(plane);
-        WritePlane(*set, plane, out);
-        out += kPlaneBytes;
-    }
-    return data.Release();
+    ValData *data = ValDataCreateMutable(BitmapLength(*set));
+    if (data) WriteBitmap(*set, ExtendData(data, BitmapLength(*set)));
+    return data;
 }

@@ -18,7 +18,7 @@ struct LentData : ValData {
         : release(give_back), context(lender) {
         place = Place::kLent;
         bytes = static_cast<uint8_t *>(const_cast<void *>(lent));
-        length = size;
+        length = capacity = size;
     }
 
     void (*release)(void *context);
@@ -44,8 +44,15 @@ uint64_t HashData(const ValObject *object) {
     return CombineHash(hash, HashBytes(bytes.substr(bytes.size() - hashed)));
 }
 
-// Makes room for `capacity` bytes in all.
-bool Reserve(ValData *data, size_t capacity) noexcept {
+bool IsMutable(const ValData *data) noexcept {
+    return data && data->place != ValData::Place::kLent;
+}
+
+} // namespace
+
+constinit const ValKind kDataKind{kValTypeData, "Data", FinalizeData, EqualData, HashData, nullptr};
+
+bool ReserveData(ValData *data, size_t capacity) noexcept {
     if (capacity <= data->capacity) return true;
     if (capacity > kMaximumSize) return false;
     capacity = std::max(capacity, std::min(data->capacity * 2, kMaximumSize));
@@ -58,14 +65,6 @@ bool Reserve(ValData *data, size_t capacity) noexcept {
     data->capacity = capacity;
     return true;
 }
-
-bool IsMutable(const ValData *data) noexcept {
-    return data && data->place != ValData::Place::kLent;
-}
-
-} // namespace
-
-constinit const ValKind kDataKind{kValTypeData, "Data", FinalizeData, EqualData, HashData, nullptr};
 
 } // namespace vellum
 
@@ -112,14 +111,14 @@ bool ValDataAppend(ValData *data, const void *bytes, size_t length) noexcept {
     auto from = reinterpret_cast<uintptr_t>(bytes);
     auto start = reinterpret_cast<uintptr_t>(data->bytes);
     bool own = from >= start && from - start < data->length;
-    if (!Reserve(data, data->length + length)) return false;
+    if (!ReserveData(data, data->length + length)) return false;
     std::memmove(data->bytes + data->length, own ? data->bytes + (from - start) : bytes, length);
     data->length += length;
     return true;
 }
 
 bool ValDataSetLength(ValData *data, size_t length) noexcept {
-    if (!IsMutable(data) || !Reserve(data, length)) return false;
+    if (!IsMutable(data) || !ReserveData(data, length)) return false;
     if (length > data->length) std::memset(data->bytes + data->length, 0, length - data->length);
     data->length = length;
     return true;

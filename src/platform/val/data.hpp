@@ -30,4 +30,18 @@ inline std::string_view Bytes(const ValData *data) noexcept {
                 : std::string_view();
 }
 
+// Makes room for `capacity` bytes in all; the data must be mutable.
+bool ReserveData(ValData *data, size_t capacity) noexcept;
+
+// Lengthens mutable data by `more` bytes, which the caller writes; null when memory is exhausted.
+inline uint8_t *ExtendData(ValData *data, size_t more) noexcept {
+    if (more > data->capacity - data->length &&
+        (more > kMaximumSize - data->length || !ReserveData(data, data->length + more))) {
+        return nullptr;
+    }
+    uint8_t *end = data->bytes + data->length;
+    data->length += more;
+    return end;
+}
+
 } // namespace vellum

@@ -66,8 +66,8 @@ uint64_t HashDictionary(const ValObject *object) {
     return CombineHash(CombineHash(kValTypeDictionary, dictionary->table.Count()), sum);
 }
 
-bool AddEntry(ValDictionary *dictionary, const void *key, const void *value) noexcept {
-    DictionaryEntry *entry = dictionary->table.Append(key, HashKey(*dictionary->key_callbacks, key));
+bool AddEntry(ValDictionary *dictionary, const void *key, uint32_t hash, const void *value) noexcept {
+    DictionaryEntry *entry = dictionary->table.Append(key, hash);
     if (!entry) return false;
     entry->key = RetainItem(*dictionary->key_callbacks, key);
     entry->value = RetainItem(*dictionary->value_callbacks, value);
@@ -78,6 +78,34 @@ bool AddEntry(ValDictionary *dictionary, const void *key, const void *value) noe
 
 constinit const ValKind kDictionaryKind{kValTypeDictionary, "Dictionary",   FinalizeDictionary,
                                         EqualDictionaries,  HashDictionary, nullptr};
+
+namespace {
+
+// Takes over the references of one pair unless there is no entry for it.
+bool AdoptPair(ValDictionary *dictionary, const void *key, const void *value, size_t &patience) noexcept {
+    DictionaryEntry *entry =
+        dictionary->table.FindOrAppend(kValValueCallbacks, key, HashKey(kValValueCallbacks, key), patience);
+    if (!entry) return false;
+    if (entry->value) { // the key was there
+        ValRelease(key);
+        ValRelease(entry->value);
+    }
+    entry->value = value;
+    return true;
+}
+
+} // namespace
+
+ValDictionary *AdoptIntoDictionary(std::span<const void *const> pairs, size_t &patience) noexcept {
+    ValDictionary *dictionary = ValDictionaryCreateMutable(pairs.size() / 2, nullptr, nullptr);
+    for (size_t i = 0; i < pairs.size(); i += 2) {
+        if (dictionary && AdoptPair(dictionary, pairs[i], pairs[i + 1], patience)) continue;
+        for (const void *left : pairs.subspan(i)) ValRelease(left);
+        ValRelease(dictionary);
+        return nullptr;
+    }
+    return dictionary;
+}
 
 } // namespace vellum
 
@@ -115,7 +143,7 @@ ValDictionary *ValDictionaryCreateMutableCopy(const ValDictionary *dictionary) n
                                                      dictionary->value_callbacks);
     size_t cursor = 0;
     while (const DictionaryEntry *entry = copy ? dictionary->table.Next(cursor) : nullptr) {
-        AddEntry(copy, entry->key, entry->value); // there is room for all
+        AddEntry(copy, entry->key, entry->hash, entry->value); // there is room for all
     }
     return copy;
 }
@@ -154,8 +182,9 @@ bool ValDictionarySetValue(ValDictionary *dictionary, const void *key, const voi
         IsRefused(*dictionary->value_callbacks, value)) {
         return false;
     }
-    DictionaryEntry *entry = FindEntry(dictionary, key);
-    if (!entry) return AddEntry(dictionary, key, value);
+    const uint32_t hash = HashKey(*dictionary->key_callbacks, key);
+    DictionaryEntry *entry = dictionary->table.Find(*dictionary->key_callbacks, key, hash);
+    if (!entry) return AddEntry(dictionary, key, hash, value);
     const void *retained = RetainItem(*dictionary->value_callbacks, value);
     ReleaseItem(*dictionary->value_callbacks, std::exchange(entry->value, retained));
     return true;

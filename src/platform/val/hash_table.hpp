@@ -31,8 +31,11 @@ struct DictionaryEntry {
 };
 
 // Callers' hashes may be poor, such as an address: spread over all bits.
+inline uint32_t SpreadHash(uint64_t hash) noexcept {
+    return static_cast<uint32_t>(HashInteger(hash) >> 32);
+}
 inline uint32_t HashKey(const ValCallbacks &callbacks, const void *key) noexcept {
-    return static_cast<uint32_t>(HashInteger(HashItem(callbacks, key)) >> 32);
+    return SpreadHash(HashItem(callbacks, key));
 }
 
 template <class Entry>
@@ -63,20 +66,43 @@ public:
 
     Entry *Find(const ValCallbacks &callbacks, const void *key, uint32_t hash) const noexcept {
         if (live_ == 0) return nullptr;
-        return IndexSize(capacity_) ? FindIndexed(callbacks, key, hash) : FindInOrder(callbacks, key, hash);
+        return FindMatching(hash, [&](const void *other) { return EqualItems(callbacks, other, key); });
+    }
+
+    // The entry with this hash of whose key `matches(key)` is true, or null.
+    template <class Matching>
+    Entry *FindMatching(uint32_t hash, Matching matches) const noexcept {
+        auto fits = [&](const Entry &entry) {
+            return entry.live && entry.hash == hash && matches(entry.key);
+        };
+        return IndexSize(capacity_) ? FindIndexed(hash, fits) : FindInOrder(fits);
     }
 
     // A new entry at the end, of which the caller sets the rest; null when memory is exhausted.
     Entry *Append(const void *key, uint32_t hash) noexcept {
         if (used_ == capacity_ && !MakeRoom()) return nullptr;
-        Entry *entry = &entries_[used_++];
-        *entry = Entry{};
-        entry->key = key;
-        entry->hash = hash;
-        entry->live = true;
-        ++live_;
+        Entry *entry = AppendEntry(key, hash);
         AddToIndex(used_ - 1);
         return entry;
+    }
+
+    // The entry with an equal key, or a new one for `key`, in a table that has room for it. Null when
+    // more than `patience` other entries had to be looked at on the way: keys out of other processes
+    // may have been chosen to collide.
+    Entry *FindOrAppend(const ValCallbacks &callbacks, const void *key, uint32_t hash,
+                        size_t &patience) noexcept {
+        size_t size = IndexSize(capacity_);
+        if (!size) {
+            Entry *found = Find(callbacks, key, hash);
+            return found ? found : Append(key, hash);
+        }
+        for (size_t slot = hash & (size - 1);; slot = (slot + 1) & (size - 1)) {
+            if (!Index()[slot]) return AppendAt(slot, key, hash);
+            Entry *entry = &entries_[Index()[slot] - 1];
+            if (entry->hash == hash && EqualItems(callbacks, entry->key, key)) return entry;
+            if (patience == 0) return nullptr;
+            --patience;
+        }
     }
 
     void Remove(Entry *entry) noexcept {
@@ -111,6 +137,23 @@ private:
         if (size_t size = IndexSize(capacity_)) std::memset(Index(), 0, size * sizeof(uint32_t));
     }
 
+    Entry *AppendEntry(const void *key, uint32_t hash) noexcept {
+        Entry *entry = &entries_[used_++];
+        *entry = Entry{};
+        entry->key = key;
+        entry->hash = hash;
+        entry->live = true;
+        ++live_;
+        return entry;
+    }
+
+    // The same for a free slot of the index that is known already.
+    Entry *AppendAt(size_t slot, const void *key, uint32_t hash) noexcept {
+        Entry *entry = AppendEntry(key, hash);
+        Index()[slot] = used_;
+        return entry;
+    }
+
     void AddToIndex(uint32_t position) noexcept {
         size_t size = IndexSize(capacity_);
         if (!size) return;
@@ -119,23 +162,20 @@ private:
         Index()[slot] = position + 1;
     }
 
-    static bool Matches(const Entry &entry, const ValCallbacks &callbacks, const void *key,
-                        uint32_t hash) noexcept {
-        return entry.live && entry.hash == hash && EqualItems(callbacks, entry.key, key);
-    }
-
-    Entry *FindInOrder(const ValCallbacks &callbacks, const void *key, uint32_t hash) const noexcept {
+    template <class Fits>
+    Entry *FindInOrder(Fits fits) const noexcept {
         for (uint32_t i = 0; i < used_; ++i) {
-            if (Matches(entries_[i], callbacks, key, hash)) return &entries_[i];
+            if (fits(entries_[i])) return &entries_[i];
         }
         return nullptr;
     }
 
-    Entry *FindIndexed(const ValCallbacks &callbacks, const void *key, uint32_t hash) const noexcept {
+    template <class Fits>
+    Entry *FindIndexed(uint32_t hash, Fits fits) const noexcept {
         size_t mask = IndexSize(capacity_) - 1;
         for (size_t slot = hash & mask; Index()[slot]; slot = (slot + 1) & mask) {
             Entry *entry = &entries_[Index()[slot] - 1];
-            if (Matches(*entry, callbacks, key, hash)) return entry;
+            if (fits(*entry)) return entry;
         }
         return nullptr;
     }

@@ -53,6 +53,29 @@ const ValNumber *Create(ValNumberType type, Value value) noexcept {
     return AllocateObject<ValNumber>(0, type, value);
 }
 
+// Small integers of the two types that properties have, one object each: flags, scopes, formats and
+// counts are nearly all small. An object is made when it is first asked for, and then stays.
+constexpr int64_t kLeastShared = -1;
+constexpr int64_t kGreatestShared = 255;
+using SharedNumbers = std::atomic<const ValNumber *>[kGreatestShared - kLeastShared + 1];
+
+constinit SharedNumbers sSharedSInt32{};
+constinit SharedNumbers sSharedSInt64{};
+
+const ValNumber *CreateOrShare(SharedNumbers &shared, ValNumberType type, int64_t value) noexcept {
+    if (value < kLeastShared || value > kGreatestShared) return Create(type, value);
+    std::atomic<const ValNumber *> &place = shared[value - kLeastShared];
+    const ValNumber *number = place.load(std::memory_order_acquire);
+    if (number) return number;
+    number = Create(type, value);
+    if (!number) return nullptr;
+    number->references.store(ValObject::kImmortal, std::memory_order_relaxed);
+    const ValNumber *first = nullptr;
+    if (place.compare_exchange_strong(first, number, std::memory_order_acq_rel)) return number;
+    std::free(const_cast<ValNumber *>(number)); // another thread was faster; nobody has seen this one
+    return first;
+}
+
 } // namespace
 
 constinit const ValKind kNumberKind{kValTypeNumber, "Number", nullptr, EqualNumbers, HashNumber, nullptr};
@@ -68,10 +91,10 @@ const ValNumber *ValNumberCreateSInt16(int16_t value) noexcept {
     return Create(kValNumberTypeSInt16, int64_t{value});
 }
 const ValNumber *ValNumberCreateSInt32(int32_t value) noexcept {
-    return Create(kValNumberTypeSInt32, int64_t{value});
+    return CreateOrShare(sSharedSInt32, kValNumberTypeSInt32, value);
 }
 const ValNumber *ValNumberCreateSInt64(int64_t value) noexcept {
-    return Create(kValNumberTypeSInt64, value);
+    return CreateOrShare(sSharedSInt64, kValNumberTypeSInt64, value);
 }
 const ValNumber *ValNumberCreateFloat32(float value) noexcept {
     return Create(kValNumberTypeFloat32, static_cast<double>(value));

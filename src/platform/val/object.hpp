@@ -69,4 +69,9 @@ inline const ValObject *AsObject(const void *value) noexcept {
     return static_cast<const ValObject *>(value);
 }
 
+// ValGetType of what is not null.
+inline ValType TypeOf(const void *value) noexcept {
+    return AsObject(value)->kind->type;
+}
+
 } // namespace vellum

@@ -2,6 +2,8 @@
 // Sets.
 #include "platform/val/set.hpp"
 
+#include "platform/val/string.hpp"
+
 #include <vellum/values.hpp>
 
 namespace vellum {
@@ -49,8 +51,8 @@ uint64_t HashSet(const ValObject *object) {
     return CombineHash(CombineHash(kValTypeSet, set->table.Count()), sum);
 }
 
-bool AddEntry(ValSet *set, const void *item) noexcept {
-    SetEntry *entry = set->table.Append(item, HashKey(*set->callbacks, item));
+bool AddEntry(ValSet *set, const void *item, uint32_t hash) noexcept {
+    SetEntry *entry = set->table.Append(item, hash);
     if (entry) entry->key = RetainItem(*set->callbacks, item);
     return entry != nullptr;
 }
@@ -58,6 +60,31 @@ bool AddEntry(ValSet *set, const void *item) noexcept {
 } // namespace
 
 constinit const ValKind kSetKind{kValTypeSet, "Set", FinalizeSet, EqualSets, HashSet, nullptr};
+
+const ValString *FindStringInSet(const ValSet &set, std::string_view text, uint64_t hash) noexcept {
+    const SetEntry *entry = set.table.FindMatching(SpreadHash(hash), [text](const void *member) {
+        return ValGetType(member) == kValTypeString && Text(static_cast<const ValString *>(member)) == text;
+    });
+    return entry ? static_cast<const ValString *>(entry->key) : nullptr;
+}
+
+ValSet *AdoptIntoSet(std::span<const void *const> items, size_t &patience) noexcept {
+    ValSet *set = ValSetCreateMutable(items.size(), nullptr);
+    for (size_t i = 0; i < items.size(); ++i) {
+        const void *item = items[i];
+        const size_t count = ValSetGetCount(set);
+        const SetEntry *entry = set ? set->table.FindOrAppend(kValValueCallbacks, item,
+                                                              HashKey(kValValueCallbacks, item), patience)
+                                    : nullptr;
+        if (entry && set->table.Count() != count) continue;
+        ValRelease(item);
+        if (entry) continue;
+        for (const void *left : items.subspan(i + 1)) ValRelease(left);
+        ValRelease(set);
+        return nullptr;
+    }
+    return set;
+}
 
 } // namespace vellum
 
@@ -89,7 +116,7 @@ ValSet *ValSetCreateMutableCopy(const ValSet *set) noexcept {
     ValSet *copy = ValSetCreateMutable(set->table.Count(), set->callbacks);
     size_t cursor = 0;
     while (const SetEntry *entry = copy ? set->table.Next(cursor) : nullptr) {
-        AddEntry(copy, entry->key); // there is room for all
+        AddEntry(copy, entry->key, entry->hash); // there is room for all
     }
     return copy;
 }
@@ -116,7 +143,8 @@ bool ValSetNext(const ValSet *set, size_t *cursor, const void **member) noexcept
 
 bool ValSetAdd(ValSet *set, const void *item) noexcept {
     if (!set || IsRefused(*set->callbacks, item)) return false;
-    return FindEntry(set, item) || AddEntry(set, item);
+    const uint32_t hash = HashKey(*set->callbacks, item);
+    return set->table.Find(*set->callbacks, item, hash) || AddEntry(set, item, hash);
 }
 
 bool ValSetRemove(ValSet *set, const void *item) noexcept {

@@ -4,6 +4,9 @@
 
 #include "platform/val/hash_table.hpp"
 
+#include <span>
+#include <string_view>
+
 namespace vellum {
 extern const ValKind kSetKind;
 } // namespace vellum
@@ -14,3 +17,14 @@ struct ValSet : vellum::ValObject {
     const ValCallbacks *callbacks = nullptr;
     vellum::HashTable<vellum::SetEntry> table;
 };
+
+namespace vellum {
+
+// The member of a set of values that is a string with this text, whose HashText it is, or null.
+const ValString *FindStringInSet(const ValSet &set, std::string_view text, uint64_t hash) noexcept;
+
+// A set of values, null among them, whose references it takes over; of equal ones the first stays.
+// Null, with the references released, when memory is exhausted or `patience` is: see HashTable.
+ValSet *AdoptIntoSet(std::span<const void *const> items, size_t &patience) noexcept;
+
+} // namespace vellum

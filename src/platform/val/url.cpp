@@ -58,7 +58,7 @@ constinit const ValKind kURLKind{kValTypeURL, "URL", FinalizeURL, EqualURLs, Has
 
 Ref<const ValURL> MakeURL(Ref<const ValString> text, const ValURL *base) noexcept {
     if (!text || !text.Get()->is_unicode || !IsURLText(Text(text))) return nullptr;
-    bool is_absolute = SplitURL(Text(text)).scheme.has_value();
+    bool is_absolute = HasScheme(Text(text));
     if (!is_absolute && !base) return nullptr;
     Ref<const ValString> absolute = is_absolute ? text : ResolveURL(AbsoluteText(*base), Text(text));
     if (!absolute) return nullptr;

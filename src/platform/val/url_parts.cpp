@@ -108,6 +108,10 @@ void AppendPart(TextBuffer &out, std::string_view mark, std::optional<std::strin
 
 } // namespace
 
+bool HasScheme(std::string_view text) noexcept {
+    return TakeScheme(text).has_value();
+}
+
 URLParts SplitURL(std::string_view text) noexcept {
     URLParts parts;
     parts.fragment = CutAfter(text, '#');

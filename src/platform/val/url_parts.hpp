@@ -21,6 +21,9 @@ struct URLParts {
     std::optional<std::string_view> fragment;
 };
 
+// True when a text begins with a scheme: it is no relative reference.
+bool HasScheme(std::string_view text) noexcept;
+
 // Every text has parts.
 URLParts SplitURL(std::string_view text) noexcept;
 

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "ipc/encoding/vm_flatten_context.hpp"
+
+#include "ipc/encoding/flattened_size.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace vellum {
+
+namespace {
+
+// What is written before it goes to the pages: little enough for the cache next to the processor.
+constexpr size_t kPieceSize = size_t{1} << 16;
+
+} // namespace
+
+TValVMFlattenContext::TValVMFlattenContext(const void *value) noexcept {
+    if (!value) return;
+    block_ = MemoryBlock::Create();
+    const size_t estimate = EstimateFlattenedSize(value, kPieceSize);
+    SetOutput(Adopt(ValDataCreateMutable(std::min(estimate, kPieceSize))));
+    Flatten(value);
+    if (IsOk() && !(Flush() && block_.Seal())) Fail();
+    Close();
+}
+
+void TValVMFlattenContext::Fail() noexcept {
+    TValFlattenContext::Fail();
+    block_ = MemoryBlock();
+    length_ = 0;
+}
+
+bool TValVMFlattenContext::Flush() noexcept {
+    if (!block_.Append(Output()->bytes, Output()->length)) return false;
+    length_ += std::exchange(Output()->length, 0);
+    return true;
+}
+
+bool TValVMFlattenContext::MakeRoom(size_t bytes) noexcept {
+    return Flush() && bytes <= kMaximumFlattenedLength && length_ <= kMaximumFlattenedLength - bytes &&
+           ReserveData(Output(), bytes);
+}
+
+MemoryBlock TValVMFlattenContext::OrphanBuffer() noexcept {
+    length_ = 0;
+    return std::move(block_);
+}
+
+} // namespace vellum

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "platform/port/memory_block.hpp"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace vellum {
+namespace {
+
+// What a receiver asks for before it maps.
+constexpr int kSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+
+size_t RoundToPages(size_t size) noexcept {
+    const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
+    return (size + page - 1) / page * page;
+}
+
+} // namespace
+
+MemoryBlock::MemoryBlock(MemoryBlock &&other) noexcept
+    : bytes_(std::exchange(other.bytes_, nullptr)), size_(std::exchange(other.size_, 0)),
+      descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+MemoryBlock &MemoryBlock::operator=(MemoryBlock &&other) noexcept {
+    std::swap(bytes_, other.bytes_);
+    std::swap(size_, other.size_);
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
+MemoryBlock::~MemoryBlock() {
+    Free();
+}
+
+void MemoryBlock::Free() noexcept {
+    if (bytes_) ::munmap(bytes_, size_);
+    if (descriptor_ >= 0) ::close(descriptor_);
+    bytes_ = nullptr;
+    size_ = 0;
+    descriptor_ = -1;
+}
+
+MemoryBlock MemoryBlock::Create() noexcept {
+    MemoryBlock block;
+    block.descriptor_ = ::memfd_create("vellum", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    return block;
+}
+
+bool MemoryBlock::Append(const void *bytes, size_t length) noexcept {
+    if (descriptor_ < 0 || bytes_) return false;
+    const auto *from = static_cast<const uint8_t *>(bytes);
+    while (length) {
+        const ssize_t written = ::write(descriptor_, from, length);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) {
+            Free();
+            return false;
+        }
+        from += written;
+        size_ += static_cast<size_t>(written);
+        length -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
+bool MemoryBlock::Seal() noexcept {
+    if (bytes_) return true;
+    const size_t size = RoundToPages(size_);
+    if (size == 0 || ::ftruncate(descriptor_, static_cast<off_t>(size)) != 0 ||
+        ::fcntl(descriptor_, F_ADD_SEALS, kSeals) != 0) {
+        Free();
+        return false;
+    }
+    void *memory = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor_, 0);
+    if (memory == MAP_FAILED) {
+        Free();
+        return false;
+    }
+    bytes_ = static_cast<uint8_t *>(memory);
+    size_ = size;
+    return true;
+}
+
+} // namespace vellum

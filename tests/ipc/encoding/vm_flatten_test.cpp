@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+// The writer into memory that travels.
+#include "ipc/encoding/encoded.hpp"
+#include "ipc/encoding/encoding.hpp"
+#include "ipc/encoding/vm_flatten_context.hpp"
+#include "support/captured_log.hpp"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace vellum::test {
+namespace {
+
+const size_t kPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+
+Bytes Read(const uint8_t *bytes, size_t length) {
+    return Bytes(bytes, bytes + length);
+}
+
+TEST(VMFlatten, HoldsWhatThePlainWriterWrites) {
+    const auto value = Dictionary({{String("a"), List({Int(1), String("é")})}});
+    TValVMFlattenContext context(value.Get());
+    EXPECT_TRUE(context.IsOk());
+    EXPECT_EQ(Read(context.GetBuffer(), context.GetLength()), Flattened(value));
+    EXPECT_EQ(context.GetBytePtr(), context.GetBuffer());
+}
+
+TEST(VMFlatten, TakesWholePagesAndFillsTheRestWithZeros) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    EXPECT_EQ(context.GetLength(), 9U);
+    ASSERT_EQ(context.GetBufferSize(), kPage);
+    EXPECT_EQ(Read(context.GetBuffer() + 9, kPage - 9), Bytes(kPage - 9));
+}
+
+TEST(VMFlatten, HoldsAValueOfManyPieces) {
+    std::vector<Ref<const void>> values;
+    for (int i = 0; i < 5'000; ++i) values.push_back(String(std::string(static_cast<size_t>(i) % 97, 'x')));
+    values.push_back(Adopt(ValDataCreate(std::string(1'000'000, 'd').data(), 1'000'000)));
+    values.push_back(Adopt(ValCharacterSetCreateWithRange(0, 0x10FFFF)));
+    const auto value = List(values);
+    TValVMFlattenContext context(value.Get());
+    EXPECT_TRUE(Read(context.GetBuffer(), context.GetLength()) == Flattened(value));
+}
+
+TEST(VMFlatten, TakesNoMorePagesThanTheBytesNeed) {
+    const std::string text(4 * kPage, 'x'); // estimated at three bytes a character
+    TValVMFlattenContext context(String(text).Get());
+    EXPECT_EQ(context.GetBufferSize(), 5 * kPage);
+    EXPECT_EQ(context.GetLength(), 4 * kPage + 8);
+    EXPECT_EQ(lseek(context.OrphanBuffer().Descriptor(), 0, SEEK_END), static_cast<off_t>(5 * kPage));
+}
+
+TEST(VMFlatten, SealsTheBlock) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    const MemoryBlock block = context.OrphanBuffer();
+    EXPECT_EQ(fcntl(block.Descriptor(), F_GET_SEALS),
+              F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL);
+}
+
+TEST(VMFlatten, OrphansTheBlockAndHasNoneAnyMore) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    const uint8_t *address = context.GetBuffer();
+    const MemoryBlock block = context.OrphanBuffer();
+    EXPECT_EQ(block.Bytes(), address);
+    EXPECT_EQ(Read(block.Bytes(), 9), Hex("00000103 00000001 01"));
+    EXPECT_EQ(context.GetBuffer(), nullptr);
+    EXPECT_EQ(context.GetBufferSize(), 0U);
+    EXPECT_EQ(context.GetBytePtr(), nullptr);
+}
+
+TEST(VMFlatten, KeepsABlockThatOutlivesTheContext) {
+    MemoryBlock block;
+    {
+        TValVMFlattenContext context(String("kept").Get());
+        block = context.OrphanBuffer();
+    }
+    EXPECT_EQ(Read(block.Bytes(), 12), Hex("00000007 00000004 6b657074"));
+}
+
+TEST(VMFlatten, GivesItsBlockBackUnlessItWasOrphaned) {
+    int descriptor = -1;
+    {
+        TValVMFlattenContext context(kValBooleanTrue);
+        descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
+    TValVMFlattenContext next(kValBooleanTrue); // its descriptor is the lower one that became free
+    EXPECT_LT(next.OrphanBuffer().Descriptor(), descriptor);
+    close(descriptor);
+}
+
+TEST(VMFlatten, WritesNothingAfterItsOneValue) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    context.Flatten(kValBooleanFalse);
+    context.FlattenValString(String("more").Get());
+    EXPECT_EQ(context.GetLength(), 9U);
+    EXPECT_TRUE(context.IsOk());
+}
+
+TEST(VMFlatten, HasNoBlockForNull) {
+    TValVMFlattenContext context(nullptr);
+    EXPECT_EQ(context.GetBuffer(), nullptr);
+    EXPECT_EQ(context.GetBufferSize(), 0U);
+    EXPECT_EQ(context.GetLength(), 0U);
+}
+
+TEST(VMFlatten, HasNoBlockForWhatCannotBeFlattened) {
+    CapturedLog log;
+    TValVMFlattenContext context(Nested(65).Get());
+    EXPECT_EQ(context.GetBuffer(), nullptr);
+    EXPECT_EQ(context.GetBufferSize(), 0U);
+    EXPECT_FALSE(context.IsOk());
+}
+
+TEST(VMFlatten, HasNoBlockForWhatIsLargerThanALengthCanSay) {
+    const auto large = Adopt(ValDataCreateWithBytesNoCopy("", size_t{1} << 31, nullptr, nullptr));
+    TValVMFlattenContext context(List({String("before"), large}).Get());
+    EXPECT_EQ(context.GetBuffer(), nullptr);
+    EXPECT_EQ(context.GetLength(), 0U);
+    EXPECT_FALSE(context.IsOk());
+}
+
+TEST(VMFlatten, HasNoBlockWhenDescriptorsAreExhausted) {
+    rlimit limit;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none = {0, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    TValVMFlattenContext context(kValBooleanTrue);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(context.GetBuffer(), nullptr);
+    EXPECT_EQ(context.GetBufferSize(), 0U);
+    EXPECT_EQ(context.GetLength(), 0U);
+}
+
+TEST(VMFlatten, AnswersZeroWhereOthersHaveAnAddressAndASize) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    EXPECT_EQ(context.GetSize(), 0U);
+    EXPECT_EQ(context.GetAddr(), 0U);
+}
+
+TEST(VMFlatten, NamesTheFlagsOfAnAllocation) {
+    EXPECT_EQ(TValVMFlattenContext::kAllocationFlags >> 24, 88U); // the tag of such memory
+    EXPECT_EQ(TValVMFlattenContext::kAllocationFlags & 1, 1U);    // anywhere
+}
+
+} // namespace
+} // namespace vellum::test
