@@ -4,9 +4,9 @@
 //
 //     names_benchmark [FOLDER...]
 //
-// The sides take turns; each figure is the median of all rounds, with the least and the greatest.
 #include "platform/font/big_endian.hpp"
 #include "platform/font/gx_font.hpp"
+#include "rotation.hpp"
 
 #include <fcntl.h>
 #include <hb-ot.h>
@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -25,6 +24,7 @@
 #include <vector>
 
 using namespace vellum;
+using namespace vellum::bench;
 
 namespace {
 
@@ -121,41 +121,17 @@ size_t ReadWithVellum(const TFiles &files) {
     return seen;
 }
 
-struct TSide {
-    const char *name;
-    size_t (*run)(const TFiles &);
-    std::vector<double> milliseconds = {};
-
-    double Median() const { return milliseconds[milliseconds.size() / 2]; }
-};
-
-void RunOnce(TSide &side, const TFiles &files, bool counts) {
-    const auto start = std::chrono::steady_clock::now();
-    const size_t seen = side.run(files);
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-    if (seen == 0) std::fprintf(stderr, "%s saw no names\n", side.name);
-    if (counts) side.milliseconds.push_back(time.count());
-}
-
-void Print(TSide &side, const TSide &yardstick) {
-    std::printf("%-22s %8.2f ms  (%.2f to %.2f)  x%.2f\n", side.name, side.Median(),
-                side.milliseconds.front(), side.milliseconds.back(), side.Median() / yardstick.Median());
-}
-
 } // namespace
 
 int main(int count, char **arguments) {
     std::vector<std::string> folders(arguments + 1, arguments + count);
     if (folders.empty()) folders = {"/usr/share/fonts", "/usr/share/texmf/fonts"};
     const TFiles files = FindFiles(folders);
-    std::array<TSide, 3> sides = {{{"HarfBuzz, mapped", ReadWithHarfBuzz},
-                                   {"the bytes alone", ReadBytes},
-                                   {"Vellum", ReadWithVellum}}};
-    for (int round = 0; round <= kRounds; ++round) {
-        for (TSide &side : sides) RunOnce(side, files, round != 0);
-    }
+    std::vector<TSide> sides = {{"HarfBuzz, mapped", [&] { return ReadWithHarfBuzz(files); }},
+                                {"the bytes alone", [&] { return ReadBytes(files); }},
+                                {"Vellum", [&] { return ReadWithVellum(files); }}};
+    Rotate(sides, kRounds);
     std::printf("%zu files, %d rounds\n", files.size(), kRounds);
-    for (TSide &side : sides) std::sort(side.milliseconds.begin(), side.milliseconds.end());
-    for (TSide &side : sides) Print(side, sides[0]);
+    Print(sides);
     return files.empty() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
