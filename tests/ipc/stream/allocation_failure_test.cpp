@@ -1,66 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Exhausted memory: no stream is made, and a stream that was to be written stays as it was. The program
-// is linked with --wrap, so that the library's own calls of malloc come here and those of others do not.
+// Exhausted memory: no stream is made, and a stream that was to be written stays as it was.
 #include "ipc/stream/shorthand.hpp"
 #include "platform/val/data.hpp"
+#include "support/allocations.hpp"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <functional>
-
-extern "C" {
-// The real ones, or null when the program is not linked with --wrap.
-[[gnu::weak]] void *__real_malloc(size_t size);
-[[gnu::weak]] void *__real_realloc(void *memory, size_t size);
-void *__wrap_malloc(size_t size);
-void *__wrap_realloc(void *memory, size_t size);
-}
-
-namespace {
-
-// How many allocations still succeed; the next fails. Negative: none will fail.
-int sLeft = -1;
-bool sFailed = false;
-
-bool IsToFail() {
-    if (sLeft < 0 || sLeft-- > 0) return false;
-    return sFailed = true;
-}
-
-} // namespace
-
-void *__wrap_malloc(size_t size) {
-    return IsToFail() ? nullptr : __real_malloc(size);
-}
-void *__wrap_realloc(void *memory, size_t size) {
-    return IsToFail() ? nullptr : __real_realloc(memory, size);
-}
 
 namespace vellum {
 namespace {
 
 using namespace test;
 
-class DataStreamInExhaustedMemory : public ::testing::Test {
-protected:
-    void SetUp() override { ASSERT_NE(__real_malloc, nullptr) << "not linked with --wrap"; }
-    void TearDown() override { sLeft = -1; }
-
-    // Runs `work` with the allocation failing that comes after so many others. Whether one failed.
-    static bool Fail(int after, const std::function<void()> &work) {
-        sLeft = after;
-        sFailed = false;
-        work();
-        sLeft = -1;
-        return sFailed;
-    }
-};
+using DataStreamInExhaustedMemory = ExhaustedMemoryTest;
 
 TEST_F(DataStreamInExhaustedMemory, IsNotMade) {
     Stream stream;
     int failed = 0;
-    while (Fail(failed, [&] { stream = NewStream(); })) {
+    while (FailAfter(failed, [&] { stream = NewStream(); })) {
         EXPECT_FALSE(stream) << failed;
         ++failed;
     }
@@ -73,7 +29,7 @@ TEST_F(DataStreamInExhaustedMemory, IsNotMadeOverDataWhichStaysAsItIs) {
         const auto data = MutableData(bytes);
         Stream stream;
         int failed = 0;
-        while (Fail(failed, [&] { stream = Stream(VLDataStreamWithData(data.Get())); })) {
+        while (FailAfter(failed, [&] { stream = Stream(VLDataStreamWithData(data.Get())); })) {
             EXPECT_FALSE(stream) << failed;
             EXPECT_EQ(BytesOf(data.Get()), bytes) << failed;
             EXPECT_EQ(data.Get()->references.load(), 1u) << failed;
@@ -116,7 +72,7 @@ TEST_F(DataStreamInExhaustedMemory, IsNotWritten) {
     for (const auto &write : kWrites) {
         int allocations = 0;
         // Of every length around the buffer's capacity.
-        for (size_t length = 180; length < 260; ++length) allocations += FailWriting(length, write, Fail);
+        for (size_t length = 180; length < 260; ++length) allocations += FailWriting(length, write, FailAfter);
         EXPECT_GE(allocations, 3);
     }
 }
@@ -125,7 +81,7 @@ TEST_F(DataStreamInExhaustedMemory, CountsNoSegmentThatWasNotOpened) {
     const auto stream = NewStream();
     VLDataStreamAppendEmptyStrings(stream.get(), 230);
     const VLDataStreamSegment *header = nullptr;
-    EXPECT_TRUE(Fail(0, [&] { header = VLDataStreamOpenWriteSegment(stream.get()); }));
+    EXPECT_TRUE(FailAfter(0, [&] { header = VLDataStreamOpenWriteSegment(stream.get()); }));
     EXPECT_EQ(header, nullptr);
     EXPECT_EQ(HeaderBytes(VLDataStreamOpenWriteSegment(stream.get())), Words({1, 278, 0, 278, 0, 0}));
 }
@@ -133,7 +89,7 @@ TEST_F(DataStreamInExhaustedMemory, CountsNoSegmentThatWasNotOpened) {
 TEST_F(DataStreamInExhaustedMemory, IsReadAndClearedAllTheSame) {
     const auto stream = NewStream();
     VLDataStreamAppendCString(stream.get(), "abc");
-    EXPECT_FALSE(Fail(0, [&] {
+    EXPECT_FALSE(FailAfter(0, [&] {
         VLDataStreamResetStream(stream.get());
         EXPECT_STREQ(VLDataStreamReadCString(stream.get()), "abc");
         VLDataStreamClearStream(stream.get());

@@ -1,71 +1,20 @@
 // SPDX-License-Identifier: MIT
 // Exhausted memory, one allocation after the other: everything that can fail gives null or false,
-// changes nothing, and leaks nothing (which the address sanitizer sees). The program is linked with
-// --wrap, so that the library's own calls of malloc come here and those of others do not.
+// changes nothing, and leaks nothing (which the address sanitizer sees).
 #include "platform/val/character_set.hpp"
 #include "platform/val/shorthand.hpp"
+#include "support/allocations.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-
-extern "C" {
-// The real ones, or null when the program is not linked with --wrap.
-[[gnu::weak]] void *__real_malloc(size_t size);
-[[gnu::weak]] void *__real_calloc(size_t count, size_t size);
-[[gnu::weak]] void *__real_realloc(void *memory, size_t size);
-void *__wrap_malloc(size_t size);
-void *__wrap_calloc(size_t count, size_t size);
-void *__wrap_realloc(void *memory, size_t size);
-}
-
-namespace {
-
-// How many allocations still succeed; the next fails. Negative: none will fail.
-int sLeft = -1;
-bool sFailed = false;
-
-bool IsToFail() {
-    if (sLeft < 0 || sLeft-- > 0) return false;
-    return sFailed = true;
-}
-
-} // namespace
-
-void *__wrap_malloc(size_t size) {
-    return IsToFail() ? nullptr : __real_malloc(size);
-}
-void *__wrap_calloc(size_t count, size_t size) {
-    return IsToFail() ? nullptr : __real_calloc(count, size);
-}
-void *__wrap_realloc(void *memory, size_t size) {
-    return IsToFail() ? nullptr : __real_realloc(memory, size);
-}
 
 namespace vellum {
 namespace {
 
-class ExhaustedMemory : public ::testing::Test {
+class ExhaustedMemory : public test::ExhaustedMemoryTest {
 protected:
-    void SetUp() override { ASSERT_NE(__real_malloc, nullptr) << "not linked with --wrap"; }
-    void TearDown() override { sLeft = -1; }
-
-    // Runs `work` with its first allocation failing, then its second, until none fails any more.
-    // `work` says whether it succeeded, which it must do just when no allocation failed. Returns the
-    // number of allocations.
-    int FailEach(const std::function<bool()> &work) {
-        for (int n = 0;; ++n) {
-            sLeft = n;
-            sFailed = false;
-            const bool succeeded = work();
-            sLeft = -1;
-            EXPECT_EQ(succeeded, !sFailed) << "allocation " << n;
-            if (!sFailed || n > 100) return n;
-        }
-    }
-
-    // The same for what makes a value.
+    // FailEach for what makes a value.
     template <class T>
     int FailEachMaking(const std::function<T *()> &make) {
         return FailEach([&] { return static_cast<bool>(Adopt(make())); });
@@ -252,10 +201,10 @@ TEST_F(ExhaustedMemory, SharesNoCharacterSetButGivesItBack) {
     std::vector<Ref<const ValCharacterSet>> sets;
     for (uint32_t i = 0; i < 200; ++i) sets.push_back(Adopt(ValCharacterSetCreateWithRange(i, 300)));
     for (auto &set : sets) {
-        sLeft = 0;
+        test::FailAllocationAfter(0);
         EXPECT_EQ(ShareCharacterSet(set).Get(), set.Get());
     }
-    sLeft = -1;
+    test::FailAllocationAfter(-1);
     for (auto &set : sets) EXPECT_EQ(ShareCharacterSet(set).Get(), set.Get());
 }
 
@@ -264,11 +213,11 @@ TEST_F(ExhaustedMemory, StillComparesAndReleases) {
     auto b = S("é" + kLong + "10");
     Ref<const void> deep = A({});
     for (int i = 0; i < 1000; ++i) deep = A({deep.Get()});
-    sLeft = 0;
+    test::FailAllocationAfter(0);
     EXPECT_EQ(ValStringCompare(a.Get(), b.Get(), kValCompareCaseInsensitive), 1);
     EXPECT_NE(ValStringCompare(a.Get(), b.Get(), 7), 0);
     EXPECT_TRUE(kValCaseInsensitiveStringCallbacks.equal(a.Get(), a.Get()));
-    sLeft = 0;
+    test::FailAllocationAfter(0);
     deep = nullptr;
 }
 
