@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What was read from any bytes can be written, and what was written is read back as the same: from the
-// second time on, bytes and values no longer change.
+// What was read from any bytes can be written, and what was written is read back. Nulls in arrays are
+// lost on the way, which may make two members of a set equal; after that nothing changes any more.
 #include "ipc/encoding/flatten_context.hpp"
 #include "ipc/encoding/flattened_size.hpp"
 #include "ipc/encoding/resurrect_context.hpp"
@@ -48,8 +48,11 @@ int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size) {
     Check(ValDataGetLength(written.Get()) <= EstimateFlattenedSize(first.Get()));
     const Ref<const void> second = Read(written.Get());
     Check(static_cast<bool>(second));
-    Check(ValEqual(Write(second.Get()).Get(), written.Get()));
-    Check(ValEqual(Read(written.Get()).Get(), second.Get()));
+    const auto again = Write(second.Get());
+    Check(ValDataGetLength(again.Get()) <= ValDataGetLength(written.Get()));
+    const Ref<const void> third = Read(again.Get());
+    Check(ValEqual(third.Get(), second.Get()));
+    Check(ValEqual(Write(third.Get()).Get(), again.Get()));
     if (bytes[size - 1] & 1) return 0; // a memory file takes longer than all of the rest
     const TValVMFlattenContext context(first.Get());
     Check(context.GetLength() == ValDataGetLength(written.Get()) &&

@@ -19,7 +19,7 @@ VELLUM_BUILD_PACKAGES=(
 # CFF outlines, Type 1, bitmap fonts, and (the last one) variable fonts with named instances.
 VELLUM_CHECK_PACKAGES=(
     git binutils locales python3 python3-fonttools
-    clang-14 libclang-rt-14-dev clang-format-14 libfontconfig-dev
+    clang-14 libclang-rt-14-dev clang-format-14 libfontconfig-dev libmsgpack-dev
     fonts-noto-core fonts-noto-cjk fonts-dejavu fonts-urw-base35 lmodern xfonts-base
     fonts-inter-variable
 )
