@@ -7,20 +7,15 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace vellum {
 namespace {
 
-TValStringUniquerImp *MakePool(void *storage) noexcept {
-    auto *pool = new (storage) TValStringUniquerImp;
-    for (const ValString *constant : PooledConstants()) pool->GetUniqueString(constant);
-    return pool;
-}
-
 // Made by the first call and never destroyed: threads may outlive the end of the program.
 TValStringUniquerImp &Pool() noexcept {
     alignas(TValStringUniquerImp) static std::byte sStorage[sizeof(TValStringUniquerImp)];
-    static auto *const sPool = MakePool(sStorage);
+    static auto *const sPool = new (sStorage) TValStringUniquerImp(PooledConstants());
     return *sPool;
 }
 
@@ -55,8 +50,18 @@ size_t TValStringUniquerImp::Count() noexcept {
     return ValSetGetCount(set_.Get());
 }
 
+// When there is no memory for the constants, the pool is not begun: it would keep others in their place.
+bool TValStringUniquerImp::MakeSet() noexcept {
+    auto set = Adopt(ValSetCreateMutable(constants_.size(), nullptr));
+    for (const ValString *constant : constants_) {
+        if (!ValSetAdd(set.Get(), constant)) return false;
+    }
+    set_ = std::move(set);
+    return static_cast<bool>(set_);
+}
+
 const ValString *TValStringUniquerImp::FindOrAdd(const ValString *string) noexcept {
-    if (!set_) set_ = Adopt(ValSetCreateMutable(0, nullptr));
+    if (!set_ && !MakeSet()) return string;
     const void *member;
     if (ValSetGetMemberIfPresent(set_.Get(), string, &member))
         return static_cast<const ValString *>(member);

@@ -18,6 +18,10 @@ public:
     // The least count at which the pool is swept.
     static constexpr size_t kSmallestSweep = 4096;
 
+    // Begins with the constants, so that equal text becomes these very objects.
+    explicit TValStringUniquerImp(std::span<const ValString *const> constants = {}) noexcept
+        : constants_(constants) {}
+
     // The pool's string that is equal to `string`, which goes into the pool when there is none. When
     // memory is exhausted, `string` itself. Null for null.
     Ref<const ValString> GetUniqueString(const ValString *string) noexcept;
@@ -29,12 +33,14 @@ public:
     size_t Count() noexcept;
 
 private:
+    bool MakeSet() noexcept;
     const ValString *FindOrAdd(const ValString *string) noexcept;
     Ref<const ValString> FindText(std::string_view text, uint64_t hash) noexcept;
     void SweepIfGrown() noexcept;
 
+    const std::span<const ValString *const> constants_;
     std::mutex mutex_; // guards what follows
-    Ref<ValSet> set_;  // made by the first call
+    Ref<ValSet> set_;  // made by the first call, with all of the constants
     size_t next_sweep_ = kSmallestSweep;
 };
 
@@ -54,8 +60,7 @@ private:
     TValStringUniquerImp &imp_;
 };
 
-// The constants that the process's pool begins with, so that equal text becomes these very objects.
-// Defined where they are: describe/constants.cpp.
+// The constants that the process's pool begins with. Defined where they are: describe/constants.cpp.
 std::span<const ValString *const> PooledConstants() noexcept;
 
 } // namespace vellum

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/val/string.hpp"
+#include "support/allocations.hpp"
 #include "values/string_uniquer.hpp"
 #include "values/val_str.hpp"
 
@@ -91,6 +92,18 @@ TEST(StringPool, GivesTheKeyConstantsForEqualText) {
         EXPECT_EQ(std::ranges::count(PooledConstants(), unique.Get()), 1); // two of them have one text
         EXPECT_EQ(constant->references.load(), ValObject::kImmortal);
     }
+}
+
+using StringUniquerInExhaustedMemory = test::ExhaustedMemoryTest;
+
+TEST_F(StringUniquerInExhaustedMemory, BeginsWithItsConstantsOrNotAtAll) {
+    TValStringUniquerImp pool(PooledConstants());
+    const TValStr copy(Text(PooledConstants().front()));
+    Ref<const ValString> unique;
+    EXPECT_TRUE(FailAfter(0, [&] { unique = pool.GetUniqueString(copy.Get()); }));
+    EXPECT_EQ(unique.Get(), copy.Get());
+    EXPECT_EQ(pool.Count(), 0u);
+    EXPECT_EQ(pool.GetUniqueString(copy.Get()).Get(), PooledConstants().front()); // there is memory again
 }
 
 TEST(StringUniquer, FindsAStringByItsTextAlone) {

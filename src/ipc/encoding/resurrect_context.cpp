@@ -5,9 +5,11 @@
 #include "ipc/encoding/encoding.hpp"
 #include "platform/log/log.hpp"
 #include "platform/val/array.hpp"
+#include "platform/val/character_set.hpp"
 #include "platform/val/dictionary.hpp"
 #include "platform/val/set.hpp"
 #include "platform/val/string.hpp"
+#include "platform/val/url.hpp"
 
 #include <cinttypes>
 #include <new>
@@ -18,7 +20,8 @@ namespace {
 // The least that an item takes: a tag that nobody knows has nothing behind it.
 constexpr size_t kLeastItem = kWordSize;
 
-// The shared object of each kind that has no more than one empty one.
+constexpr char kOutOfMemory[] = "out of memory";
+
 Ref<const void> Boolean(bool value) noexcept {
     return Ref<const void>::Retain(value ? kValBooleanTrue : kValBooleanFalse);
 }
@@ -52,7 +55,7 @@ const void *CreateNumber(uint32_t type, const uint8_t *bytes) noexcept {
 
 template <class... Arguments>
 void TValResurrectContext::Complain(const char *format, Arguments... arguments) noexcept {
-    if (log_lines_ == kMaximumLogLines) return;
+    if (log_lines_ == kMaximumLogLines || refused_) return;
     ++log_lines_;
     Log(LogLevel::kError, format, arguments...);
 }
@@ -65,7 +68,7 @@ void TValResurrectContext::Refuse(const char *reason) noexcept {
 
 // What a Create function gave; it gives null for want of memory alone.
 inline Ref<const void> TValResurrectContext::OrRefuse(const void *created) noexcept {
-    if (!created) Refuse("out of memory");
+    if (!created) Refuse(kOutOfMemory);
     return Ref<const void>::Adopt(created);
 }
 
@@ -181,11 +184,11 @@ Ref<const void> TValResurrectContext::ResurrectValCharacterSet() noexcept {
     if (!ReadPayload(bytes, length) || length == 0) return nullptr;
     const std::string_view bitmap(reinterpret_cast<const char *>(bytes), length);
     if (last_set_ && bitmap == last_bitmap_) return last_set_;
-    auto set = Adopt(ValCharacterSetCreateWithBitmap(bytes, length));
-    if (!set) Complain("*** %zu bytes are no bitmap of a character set", length);
     last_bitmap_ = bitmap;
-    last_set_ = set;
-    return set;
+    last_set_ = Adopt(ValCharacterSetCreateWithBitmap(bytes, length));
+    if (!last_set_ && IsBitmap(bitmap)) Refuse(kOutOfMemory);
+    if (!last_set_) Complain("*** %zu bytes are no bitmap of a character set", length);
+    return last_set_;
 }
 
 Ref<const void> TValResurrectContext::ResurrectValURL() noexcept {
@@ -193,6 +196,7 @@ Ref<const void> TValResurrectContext::ResurrectValURL() noexcept {
     size_t length;
     if (!ReadPayload(bytes, length)) return nullptr;
     auto url = Adopt(ValURLCreateWithBytes(bytes, length, nullptr));
+    if (!url && IsAbsoluteURL({reinterpret_cast<const char *>(bytes), length})) Refuse(kOutOfMemory);
     if (!url) Complain("*** %zu bytes are no absolute URL", length);
     return url;
 }
@@ -242,7 +246,7 @@ Ref<const void> TValResurrectContext::ResurrectContainer(size_t least,
     try {
         complete = (this->*read)(count);
     } catch (const std::bad_alloc &) {
-        Refuse("out of memory");
+        Refuse(kOutOfMemory);
     }
     --nesting_;
     if (!complete) {
@@ -252,7 +256,7 @@ Ref<const void> TValResurrectContext::ResurrectContainer(size_t least,
     patience_ += kPatienceForEach * (results_.Count() - first);
     const void *container = build(results_.From(first));
     results_.Forget(first);
-    if (!container) Refuse(patience_ ? "out of memory" : "its keys were made to collide");
+    if (!container) Refuse(patience_ ? kOutOfMemory : "its keys were made to collide");
     return Ref<const void>::Adopt(container);
 }
 

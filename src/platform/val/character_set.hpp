@@ -14,6 +14,7 @@
 #include <array>
 #include <bit>
 #include <span>
+#include <string_view>
 
 namespace vellum {
 
@@ -91,6 +92,9 @@ Ref<const ValCharacterSet> MakeCharacterSet(Next next) noexcept {
     });
     return Ref<const ValCharacterSet>::Adopt(set);
 }
+
+// Whether bytes have the shape of a bitmap form; a set cannot be made of them for want of memory alone.
+bool IsBitmap(std::string_view bytes) noexcept;
 
 // The length of a set's bitmap form, and that many bytes of it into `out`.
 size_t BitmapLength(const ValCharacterSet &set) noexcept;

@@ -87,6 +87,11 @@ void WritePlane(const ValCharacterSet &set, uint32_t plane, const CharacterPage 
 
 } // namespace
 
+bool IsBitmap(std::string_view bytes) noexcept {
+    Planes planes;
+    return bytes.data() && SplitPlanes(bytes, planes);
+}
+
 size_t BitmapLength(const ValCharacterSet &set) noexcept {
     size_t length = kPlaneBytes;
     for (uint32_t plane = 1; plane < kPlanes; ++plane) {

@@ -56,6 +56,10 @@ bool AppendPathStart(TextBuffer &out, std::string_view path, const ValURL *base)
 
 constinit const ValKind kURLKind{kValTypeURL, "URL", FinalizeURL, EqualURLs, HashURL, nullptr};
 
+bool IsAbsoluteURL(std::string_view text) noexcept {
+    return HasScheme(text) && IsURLText(text) && ScanText(text).is_unicode;
+}
+
 Ref<const ValURL> MakeURL(Ref<const ValString> text, const ValURL *base) noexcept {
     if (!text || !text.Get()->is_unicode || !IsURLText(Text(text))) return nullptr;
     bool is_absolute = HasScheme(Text(text));

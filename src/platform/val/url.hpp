@@ -34,6 +34,9 @@ inline URLParts Parts(const ValURL &url) noexcept {
     return SplitURL(AbsoluteText(url));
 }
 
+// Whether a text is a URL that needs no base; it cannot be made for want of memory alone.
+bool IsAbsoluteURL(std::string_view text) noexcept;
+
 // Null when the text is no URL, is relative without a base, or memory is exhausted.
 Ref<const ValURL> MakeURL(Ref<const ValString> text, const ValURL *base = nullptr) noexcept;
 
