@@ -126,6 +126,24 @@ TEST(Resurrect, ReadsCharacterSets) {
     EXPECT_TRUE(ValEqual(set.Get(), expected.Get()));
 }
 
+TEST(Resurrect, GivesOneObjectForEqualCharacterSetsThatStandTogether) {
+    const auto first = Flattened(Adopt(ValCharacterSetCreateWithRange(1, 2)));
+    const auto second = Flattened(Adopt(ValCharacterSetCreateWithRange(1, 3)));
+    const auto value =
+        Resurrected(Hex("00000011 00000005") + first + first + second + Hex("0000001b 00000000") + second);
+    const auto *array = Cast<ValArray>(value.Get());
+    EXPECT_EQ(ValArrayGetValue(array, 0), ValArrayGetValue(array, 1));
+    EXPECT_EQ(ValArrayGetValue(array, 2), ValArrayGetValue(array, 4));
+    EXPECT_EQ(Flattened(ValArrayGetValue(array, 0)), first);
+    EXPECT_EQ(Flattened(ValArrayGetValue(array, 2)), second);
+    EXPECT_EQ(ValArrayGetValue(array, 3), nullptr);
+}
+
+TEST(Resurrect, FillsUpABitmapThatEndsWithinItsFirstPlane) {
+    const auto set = Resurrected(Hex("0000001b 00000002 0080"));
+    EXPECT_TRUE(ValEqual(set.Get(), Adopt(ValCharacterSetCreateWithRange(15, 15)).Get()));
+}
+
 TEST(Resurrect, ReadsWhatIsNoBitmapAsNullAndGoesOn) {
     CapturedLog log;
     Reader reader(Hex("0000001b 00002001") + Bytes(8193) + Hex(kTrue));
@@ -271,7 +289,11 @@ TEST(Resurrect, OfNoBytesIsNullWithoutAWord) {
     CapturedLog log;
     EXPECT_FALSE(TValResurrectContext(nullptr, 0).Resurrect());
     EXPECT_FALSE(TValResurrectContext(nullptr, 100).Resurrect());
-    EXPECT_FALSE(Resurrected({}));
+    EXPECT_FALSE(TValResurrectContext(reinterpret_cast<const uint8_t *>(""), 0).Resurrect());
+    Reader reader(Hex(kTrue));
+    EXPECT_TRUE(reader->Resurrect());
+    EXPECT_FALSE(reader->Resurrect()); // there are no more
+    EXPECT_FALSE(reader->IsRefused());
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
@@ -395,17 +417,19 @@ TEST(ResurrectRefuses, KeysThatWereMadeToCollide) {
     EXPECT_THAT(log.Lines()[0], ::testing::HasSubstr("made to collide"));
 }
 
+// As many as fill the table to the most, where by chance alone each key meets another one.
 TEST(Resurrect, ReadsLargeDictionariesAndSets) {
+    constexpr uint32_t kCount = 690'000;
     ByteWriter set;
     ByteWriter dictionary;
-    set.U32(256).U32(300'000);
-    dictionary.U32(16).U32(300'000);
-    for (uint32_t i = 0; i < 300'000; ++i) {
+    set.U32(256).U32(kCount);
+    dictionary.U32(16).U32(kCount);
+    for (uint32_t i = 0; i < kCount; ++i) {
         set.U32(22).U32(3).U32(4).U32(i);
-        dictionary.U32(22).U32(3).U32(4).U32(i).Append(Hex(kTrue));
+        dictionary.U32(22).U32(3).U32(4).U32(i).U32(259).U32(1).U8(1);
     }
-    EXPECT_EQ(ValSetGetCount(Cast<ValSet>(Resurrected(set).Get())), 300'000U);
-    EXPECT_EQ(ValDictionaryGetCount(Cast<ValDictionary>(Resurrected(dictionary).Get())), 300'000U);
+    EXPECT_EQ(ValSetGetCount(Cast<ValSet>(Resurrected(set).Get())), kCount);
+    EXPECT_EQ(ValDictionaryGetCount(Cast<ValDictionary>(Resurrected(dictionary).Get())), kCount);
 }
 
 TEST(Resurrect, WritesAtMostSeventeenLinesToTheLog) {
