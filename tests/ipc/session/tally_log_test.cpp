@@ -1,30 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ipc/session/tally_log.hpp"
+#include "support/allocations.hpp"
 #include "support/captured_log.hpp"
 #include "support/values.hpp"
 
 #include <gmock/gmock.h>
 
 #include <climits>
-#include <cstdlib>
-#include <new>
-
-namespace {
-// Whether memory is exhausted, as far as C++ sees it.
-thread_local bool sIsExhausted = false;
-} // namespace
-
-void *operator new(size_t size) {
-    void *memory = sIsExhausted ? nullptr : std::malloc(size);
-    if (!memory) throw std::bad_alloc();
-    return memory;
-}
-void operator delete(void *memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void *memory, size_t) noexcept {
-    std::free(memory);
-}
+#include <optional>
 
 namespace vellum::test {
 namespace {
@@ -141,11 +124,12 @@ TEST(TallyLog, DoesNothingWithoutADomainOrASignature) {
     ExpectNothing(TTallyLog("domain", nullptr));
 }
 
-TEST(TallyLog, DoesNothingWhenMemoryWasExhausted) {
-    sIsExhausted = true;
-    TTallyLog tally("domain", "signature");
-    sIsExhausted = false;
-    ExpectNothing(std::move(tally));
+using TallyLogInExhaustedMemory = ExhaustedMemoryTest;
+
+TEST_F(TallyLogInExhaustedMemory, DoesNothing) {
+    std::optional<TTallyLog> tally;
+    EXPECT_TRUE(FailAfter(0, [&] { tally.emplace("domain", "signature"); }));
+    ExpectNothing(std::move(*tally));
 }
 
 } // namespace
