@@ -128,8 +128,7 @@ public:
     // Adds an answer that was asked for after this handle was made; unless a font has changed meanwhile,
     // for then nobody knows whether the answer is from before.
     void Add(const Node &node) const noexcept {
-        if (!imp_ || imp_->Generation() != generation_ || TGenerationSeed::GetGeneration() != generation_)
-            return;
+        if (!imp_ || TGenerationSeed::GetGeneration() != generation_) return;
         imp_->Add(node);
     }
 

@@ -67,6 +67,21 @@ TEST_F(RequestCache, FindsTheAnswerToARequestOfAnyKind) {
     EXPECT_EQ(TextOf(cache.CopyResultForRequest(nullptr, 0)), "answer 4");
 }
 
+TEST_F(RequestCache, TellsRequestsOfOneHashApart) {
+    const auto nested = [](const void *value) { // the hash sees no more of an inner array than its kind
+        const void *const inner = ValArrayCreate(&value, 1);
+        const auto outer = Adopt(ValArrayCreate(&inner, 1));
+        ValRelease(inner);
+        return outer;
+    };
+    const auto one = nested(kValBooleanTrue);
+    const auto other = nested(kValBooleanFalse);
+    ASSERT_EQ(ValHash(one.Get()), ValHash(other.Get()));
+    TRequestCache().AddResultForRequest(Answer(1).Get(), one.Get(), 0);
+    EXPECT_FALSE(TRequestCache().CopyResultForRequest(other.Get(), 0));
+    EXPECT_TRUE(TRequestCache().CopyResultForRequest(nested(kValBooleanTrue).Get(), 0));
+}
+
 TEST_F(RequestCache, TellsOperationsApart) {
     const TRequestCache cache;
     cache.AddResultForRequest(Answer(1).Get(), Request(1).Get(), 7);

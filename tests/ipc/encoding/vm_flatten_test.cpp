@@ -108,6 +108,7 @@ TEST(VMFlatten, HasNoBlockForNull) {
 TEST(VMFlatten, HasNoBlockForWhatCannotBeFlattened) {
     CapturedLog log;
     TValVMFlattenContext context(Nested(65).Get());
+    EXPECT_EQ(context.OrphanBuffer().Descriptor(), -1);
     EXPECT_EQ(context.GetBuffer(), nullptr);
     EXPECT_EQ(context.GetBufferSize(), 0U);
     EXPECT_FALSE(context.IsOk());

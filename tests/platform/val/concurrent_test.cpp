@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/val/shorthand.hpp"
+#include "support/threads.hpp"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <thread>
@@ -29,6 +31,15 @@ TEST(ConcurrentValues, AreCountedRightByEightThreads) {
     EXPECT_EQ(released, 0);
     data = nullptr;
     EXPECT_EQ(released, 1);
+}
+
+TEST(ConcurrentValues, ShareSmallIntegersWhoeverMakesThemFirst) {
+    constexpr int32_t kCount = 256;
+    std::array<std::array<const ValNumber *, kCount>, test::kThreads> made{};
+    test::OnEveryThread([&](size_t thread) {
+        for (int32_t i = 0; i < kCount; ++i) made[thread][static_cast<size_t>(i)] = ValNumberCreateSInt32(i);
+    });
+    for (const auto &numbers : made) EXPECT_EQ(numbers, made[0]);
 }
 
 TEST(ConcurrentValues, DieOnceWhoeverIsLast) {

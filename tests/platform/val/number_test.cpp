@@ -26,6 +26,20 @@ NumberRef F32(float value) {
     return Adopt(ValNumberCreateFloat32(value));
 }
 
+TEST(Number, IsSharedWhenItIsASmallInteger) {
+    for (int32_t value : {-1, 0, 1, 255}) {
+        EXPECT_EQ(N(value).Get(), N(value).Get()) << value;
+        EXPECT_EQ(I64(value).Get(), I64(value).Get()) << value;
+        EXPECT_NE(static_cast<const void *>(N(value).Get()), I64(value).Get()) << value; // types are kept
+        EXPECT_EQ(ValNumberGetSInt32(N(value).Get()), value);
+        EXPECT_EQ(ValNumberGetSInt64(I64(value).Get()), value);
+    }
+    for (int32_t value : {-2, 256}) {
+        EXPECT_NE(N(value).Get(), N(value).Get()) << value;
+        EXPECT_NE(I64(value).Get(), I64(value).Get()) << value;
+    }
+}
+
 TEST(Number, KeepsItsType) {
     auto type = [](const ValNumber *number) { return ValNumberGetNumberType(Adopt(number).Get()); };
     EXPECT_EQ(type(ValNumberCreateSInt8(1)), 1u);
