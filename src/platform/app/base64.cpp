@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "platform/app/base64.hpp"
+
+#include "platform/val/data.hpp"
+
+#include <glib.h>
+
+namespace vellum {
+namespace {
+
+constexpr bool IsSpace(char c) noexcept {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+constexpr bool IsDigit64(char c) noexcept {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '+' ||
+           c == '/';
+}
+
+// Whole groups of four, of which the last may end in one or two "=".
+bool IsBase64(std::string_view text) noexcept {
+    size_t digits = 0;
+    size_t pads = 0;
+    for (char c : text) {
+        if (IsSpace(c)) continue;
+        if (c == '=')
+            ++pads;
+        else if (pads || !IsDigit64(c))
+            return false;
+        else
+            ++digits;
+    }
+    return pads <= 2 && (digits + pads) % 4 == 0 && (pads == 0 || digits % 4 + pads == 4);
+}
+
+} // namespace
+
+Ref<const ValData> DecodeBase64(std::string_view text) noexcept {
+    if (!IsBase64(text)) return nullptr;
+    // GLib's decoder passes over all that is no digit; it writes 3 bytes for 4 digits, and wants 3 more.
+    Ref<ValData> data = Adopt(ValDataCreateMutable(text.size() / 4 * 3 + 3));
+    if (!data) return nullptr;
+    int state = 0;
+    unsigned save = 0;
+    const size_t length =
+        g_base64_decode_step(text.data(), text.size(), ValDataGetMutableBytes(data.Get()), &state, &save);
+    ExtendData(data.Get(), length);
+    return data;
+}
+
+} // namespace vellum
