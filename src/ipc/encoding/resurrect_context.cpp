@@ -184,10 +184,15 @@ Ref<const void> TValResurrectContext::ResurrectValCharacterSet() noexcept {
     if (!ReadPayload(bytes, length) || length == 0) return nullptr;
     const std::string_view bitmap(reinterpret_cast<const char *>(bytes), length);
     if (last_set_ && bitmap == last_bitmap_) return last_set_;
+    // A set takes some hundred bytes, however few its bitmap has: a short one is none, so that a message
+    // cannot ask for fifty times what it takes itself.
+    if (!IsBitmap(bitmap)) {
+        Complain("*** %zu bytes are no bitmap of a character set", length);
+        return nullptr;
+    }
     last_bitmap_ = bitmap;
     last_set_ = Adopt(ValCharacterSetCreateWithBitmap(bytes, length));
-    if (!last_set_ && IsBitmap(bitmap)) Refuse(kOutOfMemory);
-    if (!last_set_) Complain("*** %zu bytes are no bitmap of a character set", length);
+    if (!last_set_) Refuse(kOutOfMemory);
     return last_set_;
 }
 

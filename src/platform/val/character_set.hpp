@@ -93,7 +93,7 @@ Ref<const ValCharacterSet> MakeCharacterSet(Next next) noexcept {
     return Ref<const ValCharacterSet>::Adopt(set);
 }
 
-// Whether bytes have the shape of a bitmap form; a set cannot be made of them for want of memory alone.
+// Whether bytes are a whole bitmap form, with all of its first plane: what WriteBitmap may have written.
 bool IsBitmap(std::string_view bytes) noexcept;
 
 // The length of a set's bitmap form, and that many bytes of it into `out`.

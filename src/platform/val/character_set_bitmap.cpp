@@ -89,7 +89,7 @@ void WritePlane(const ValCharacterSet &set, uint32_t plane, const CharacterPage 
 
 bool IsBitmap(std::string_view bytes) noexcept {
     Planes planes;
-    return bytes.data() && SplitPlanes(bytes, planes);
+    return bytes.size() >= kPlaneBytes && SplitPlanes(bytes, planes);
 }
 
 size_t BitmapLength(const ValCharacterSet &set) noexcept {

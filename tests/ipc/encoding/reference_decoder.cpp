@@ -105,10 +105,10 @@ void AddPlane(std::vector<CodePointRange> &ranges, uint32_t plane, std::string_v
 
 // The planes of a bitmap by their numbers; none for another shape.
 std::optional<std::vector<std::string_view>> SplitBitmap(std::string_view bitmap) {
-    if (bitmap.empty()) return std::nullopt;
+    if (bitmap.size() < kPlaneBytes) return std::nullopt;
     std::vector<std::string_view> planes(17);
-    planes[0] = bitmap.substr(0, kPlaneBytes); // a shorter one is filled up with zeros
-    bitmap.remove_prefix(planes[0].size());
+    planes[0] = bitmap.substr(0, kPlaneBytes);
+    bitmap.remove_prefix(kPlaneBytes);
     while (!bitmap.empty()) {
         if (bitmap.size() < 1 + kPlaneBytes) return std::nullopt;
         const auto plane = static_cast<unsigned char>(bitmap[0]);

@@ -139,18 +139,17 @@ TEST(Resurrect, GivesOneObjectForEqualCharacterSetsThatStandTogether) {
     EXPECT_EQ(ValArrayGetValue(array, 3), nullptr);
 }
 
-TEST(Resurrect, FillsUpABitmapThatEndsWithinItsFirstPlane) {
-    const auto set = Resurrected(Hex("0000001b 00000002 0080"));
-    EXPECT_TRUE(ValEqual(set.Get(), Adopt(ValCharacterSetCreateWithRange(15, 15)).Get()));
-}
-
 TEST(Resurrect, ReadsWhatIsNoBitmapAsNullAndGoesOn) {
     CapturedLog log;
-    Reader reader(Hex("0000001b 00002001") + Bytes(8193) + Hex(kTrue));
-    EXPECT_FALSE(reader->Resurrect());
-    EXPECT_EQ(reader->Resurrect().Get(), kValBooleanTrue);
+    for (uint32_t length : {1u, 8191u, 8193u}) {
+        Reader reader(ByteWriter().U32(27).U32(length).Zeros(length).Append(Hex(kTrue)));
+        EXPECT_FALSE(reader->Resurrect());
+        EXPECT_EQ(reader->Resurrect().Get(), kValBooleanTrue);
+    }
     EXPECT_FALSE(Resurrected(Hex("0000001b 00000000")));
-    EXPECT_THAT(log.Lines(), ElementsAre("*** 8193 bytes are no bitmap of a character set"));
+    EXPECT_THAT(log.Lines(), ElementsAre("*** 1 bytes are no bitmap of a character set",
+                                         "*** 8191 bytes are no bitmap of a character set",
+                                         "*** 8193 bytes are no bitmap of a character set"));
 }
 
 TEST(Resurrect, ReadsUrls) {
