@@ -1,5 +1,5 @@
 # What `cmake --install` lays down: the library, its headers, the tool, and what pkg-config and
-# find_package(vellum) read. Everything is found from where it lies, so that any prefix works.
+# find_package(vellum) read. All of these are found from where they lie, so that any prefix works for them.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vellum EXPORT vellum-targets
@@ -33,13 +33,8 @@ install(FILES
     DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
 install(EXPORT vellum-targets NAMESPACE vellum:: DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
 
-# The framework of the legacy font service. The library reads its resources where this was when it was
-# configured, unless the environment names another place; ours is an empty bundle over share/vellum.
-set(VELLUM_FRAMEWORK_DIR "${CMAKE_INSTALL_FULL_LIBDIR}/vellum/Fount.framework" CACHE PATH
-    "The framework folder of the legacy font service")
-set_source_files_properties(ipc/session/session_manager.cpp PROPERTIES
-    COMPILE_DEFINITIONS "VELLUM_FRAMEWORK_DIR=\"${VELLUM_FRAMEWORK_DIR}\"")
-
+# The framework of the legacy font service: see CMakeLists.txt beside this. Ours is an empty bundle over
+# share/vellum.
 file(RELATIVE_PATH framework_to_resources
     ${CMAKE_INSTALL_FULL_LIBDIR}/vellum/Fount.framework ${CMAKE_INSTALL_FULL_DATADIR}/vellum)
 file(CREATE_LINK ${framework_to_resources} ${CMAKE_CURRENT_BINARY_DIR}/Resources SYMBOLIC)

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 namespace vellum {
 
@@ -47,9 +48,10 @@ public:
     uint32_t Generation() const noexcept { return generation_; }
 
     // The entry (borrowed) of which `matches` is true, sought from the head; it becomes the head. Null
-    // when there is none.
+    // when there is none, and when `matches` itself has used the cache.
     template <class Matching>
     const Node *FindNode(Matching matches) noexcept {
+        const size_t moves = moves_;
         TLRUCacheNode *before = tail_;
         TLRUCacheNode *at = head_;
         while (!matches(*static_cast<const Node *>(at))) {
@@ -57,14 +59,18 @@ public:
             before = at;
             at = at->next_;
         }
+        if (moves_ != moves) return nullptr;
         MoveToHead(before, at);
         return static_cast<const Node *>(at);
     }
 
-    // Overwrites the tail, which becomes the head. An older entry that matches the same stays behind it,
-    // where it is not found any more: deliberate, as looking for it would cost more than it takes up.
-    void Add(const Node &node) noexcept {
-        *static_cast<Node *>(tail_) = node;
+    // Puts an entry in place of the tail; it becomes the head. An older entry that matches the same stays
+    // behind it, where it is not found any more: deliberate, as looking for it would cost more than it
+    // takes up.
+    //
+    // What the former entry held is released when all is done: that may call back, and use the cache.
+    void Add(Node node) noexcept {
+        std::swap(*static_cast<Node *>(tail_), node);
         TLRUCacheNode *before = head_;
         while (before->next_ != tail_) before = before->next_;
         MoveToHead(before, tail_);
@@ -72,13 +78,15 @@ public:
 
     // Empties every entry, and notes the present generation.
     void RemoveAll() noexcept {
+        std::array<Node, kCount> former; // released when all is done, as above
+        former.swap(entries_);
         generation_ = TGenerationSeed::GetGeneration();
-        for (Node &entry : entries_) entry = Node();
         LinkInOrder();
     }
 
 private:
     void LinkInOrder() noexcept {
+        ++moves_;
         head_ = &entries_.front();
         tail_ = &entries_.back();
         for (size_t i = 0; i < kCount; ++i)
@@ -87,6 +95,7 @@ private:
 
     // Takes the entry at `at` out from behind `before` and puts it in front of the head.
     void MoveToHead(TLRUCacheNode *before, TLRUCacheNode *at) noexcept {
+        ++moves_;
         if (at == head_) return;
         if (at == tail_) {
             tail_ = before; // the ring stays as it is: the tail comes right before the head
@@ -99,6 +108,7 @@ private:
     }
 
     uint32_t generation_ = TGenerationSeed::GetGeneration();
+    size_t moves_ = 0;
     std::array<Node, kCount> entries_;
     TLRUCacheNode *head_;
     TLRUCacheNode *tail_;
@@ -127,9 +137,9 @@ public:
 
     // Adds an answer that was asked for after this handle was made; unless a font has changed meanwhile,
     // for then nobody knows whether the answer is from before.
-    void Add(const Node &node) const noexcept {
+    void Add(Node node) const noexcept {
         if (!imp_ || TGenerationSeed::GetGeneration() != generation_) return;
-        imp_->Add(node);
+        imp_->Add(std::move(node));
     }
 
 private:

@@ -86,13 +86,13 @@ void TValFlattenContext::StreamOut32bitEntity(uint32_t word) noexcept {
     if (uint8_t *out = Extend(kWordSize)) StoreWord(out, word);
 }
 
-void TValFlattenContext::StreamOut(const void *elements, size_t elementSize, size_t count) noexcept {
+void TValFlattenContext::StreamOut(const void *elements, size_t element_size, size_t count) noexcept {
     const size_t size =
-        count && elementSize > kMaximumFlattenedLength / count ? SIZE_MAX : elementSize * count;
+        count && element_size > kMaximumFlattenedLength / count ? SIZE_MAX : element_size * count;
     uint8_t *out = Extend(size);
     if (!out || size == 0) return;
     std::memcpy(out, elements, size);
-    for (size_t i = 0; i < count; ++i) ConvertToBigEndian(out + i * elementSize, elementSize);
+    for (size_t i = 0; i < count; ++i) ConvertToBigEndian(out + i * element_size, element_size);
 }
 
 void TValFlattenContext::Flatten(const void *value) noexcept {
@@ -158,6 +158,7 @@ void TValFlattenContext::FlattenValCharacterSet(const ValCharacterSet *set) noex
 
 template <class Container>
 void TValFlattenContext::FlattenContainer(uint32_t tag, const Container *container) noexcept {
+    if (!open_) return;
     if (!HoldsValues(container) || nesting_ == kMaximumNesting) {
         Log(LogLevel::kError,
             nesting_ == kMaximumNesting ? "*** too many containers in each other to flatten %@"

@@ -49,8 +49,8 @@ public:
     // Appends a big-endian word.
     void StreamOut32bitEntity(uint32_t word) noexcept;
 
-    // Appends `count` elements of `elementSize` bytes, each turned to big-endian.
-    void StreamOut(const void *elements, size_t elementSize, size_t count) noexcept;
+    // Appends `count` elements of `element_size` bytes, each turned to big-endian.
+    void StreamOut(const void *elements, size_t element_size, size_t count) noexcept;
 
     // False once a value has failed.
     bool IsOk() const noexcept { return ok_; }

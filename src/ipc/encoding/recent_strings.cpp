@@ -14,7 +14,7 @@ Ref<const ValString> TRecentStrings::GetUniqueString(std::string_view text) noex
     for (size_t i = 0; i < 2; ++i) {
         if (places[i] && Text(*places[i].Get()) == text) return places[i];
     }
-    Ref<const ValString> string = TValStringUniquer().GetUniqueString(text, hash);
+    Ref<const ValString> string = TValStringUniquer().GetUniqueString(text);
     places[1] = std::exchange(places[0], string); // the newest first
     return string;
 }

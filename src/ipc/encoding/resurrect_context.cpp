@@ -102,7 +102,8 @@ bool TValResurrectContext::StreamInData(void *destination, size_t size, size_t c
     const uint8_t *bytes = ReadBytes(count && size > SIZE_MAX / count ? SIZE_MAX : size * count);
     if (!bytes) return false;
     auto *out = static_cast<uint8_t *>(destination);
-    if (size && count) std::memcpy(out, bytes, size * count);
+    if (size == 0 || count == 0) return true;
+    std::memcpy(out, bytes, size * count);
     for (size_t i = 0; i < count; ++i) ConvertToNative(out + i * size, size);
     return true;
 }
@@ -233,16 +234,16 @@ bool TValResurrectContext::ReadPairs(size_t count) {
     return true;
 }
 
-// Reads the count, then with `read` the items, of which each takes at least `least` bytes, and gives
+// Reads the count, then with `read` the items, of which each takes at least so many bytes, and gives
 // them to `build`.
 template <class Build>
-Ref<const void> TValResurrectContext::ResurrectContainer(size_t least,
+Ref<const void> TValResurrectContext::ResurrectContainer(size_t least_bytes,
                                                          bool (TValResurrectContext::*read)(size_t),
                                                          Build build) noexcept {
     uint32_t count = 0;
     if (!ReadWord(count)) return nullptr;
     if (count > kMaximumFlattenedLength) count = 0;
-    if (count > BytesLeft() / least) Refuse("it counts more items than there is room for");
+    if (count > BytesLeft() / least_bytes) Refuse("it counts more items than there is room for");
     if (nesting_ == kMaximumNesting) Refuse("too many containers in each other");
     if (refused_) return nullptr;
     const size_t first = results_.Count();
@@ -261,8 +262,10 @@ Ref<const void> TValResurrectContext::ResurrectContainer(size_t least,
     patience_ += kPatienceForEach * (results_.Count() - first);
     const void *container = build(results_.From(first));
     results_.Forget(first);
-    if (!container) Refuse(patience_ ? kOutOfMemory : "its keys were made to collide");
-    return Ref<const void>::Adopt(container);
+    Ref<const void> whole = Ref<const void>::Adopt(container);
+    if (whole && patience_) return whole;
+    Refuse(patience_ ? kOutOfMemory : "its keys were made to collide");
+    return nullptr;
 }
 
 Ref<const void> TValResurrectContext::ResurrectValArray() noexcept {

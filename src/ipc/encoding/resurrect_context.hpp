@@ -18,9 +18,9 @@ namespace vellum {
 // Reads items one after the other. What is wrong with an item but leaves no doubt where the next one
 // begins gives null (or what the operation says) and a line in the log, and reading goes on. Anything
 // else refuses the whole reading: the bytes end too early, a count or a number's size is impossible,
-// containers stand too deep in each other, keys were made to collide, or memory is exhausted. Then every
+// containers stand too deep in each other, keys were made to take long, or memory is exhausted. Then every
 // answer is null from there on. Nothing is allocated for what the bytes that are left could not hold. The
-// log gets at most kMaximumLogLines lines. Used by one thread at a time.
+// log gets at most kMaximumLogLines lines, and one for the refusal. Used by one thread at a time.
 //
 // Strings come from the process's pool of names, so that equal ones are one object.
 class TValResurrectContext {
@@ -39,21 +39,37 @@ public:
     // then past the tag alone), and where the operation of its kind gives null.
     virtual Ref<const void> Resurrect() noexcept;
 
-    // Read an item of their kind of which the tag has been read.
-    virtual Ref<const void> ResurrectValString() noexcept; // empty if the bytes are no valid UTF-8
-    virtual Ref<const void> ResurrectValNumber() noexcept; // null for an unknown type
-    virtual Ref<const void>
-    ResurrectValBoolean() noexcept;                      // false, with the payload left unread, if its
-                                                         // length is not 1: deliberate, writers count on it
-    virtual Ref<const void> ResurrectValData() noexcept; // null for no bytes: deliberate as well
-    virtual Ref<const void> ResurrectValCharacterSet() noexcept; // null for no bytes, or no bitmap
-    virtual Ref<const void> ResurrectValArray() noexcept;        // holds null for an item that is null
-    virtual Ref<const void> ResurrectValDictionary() noexcept;   // ends with the first pair that lacks
-                                                                 // key or value; the rest is left unread
-    virtual Ref<const void> ResurrectValSet() noexcept;          // as arrays
-    virtual Ref<const void> ResurrectValURL() noexcept;          // null for what is no absolute URL
-    virtual Ref<const void> ResurrectValUUID() noexcept;         // null for length 0; else 16 bytes,
-                                                                 // whatever the length says
+    // The rest read an item of their kind of which the tag has been read.
+
+    // The empty string for what is no valid UTF-8.
+    virtual Ref<const void> ResurrectValString() noexcept;
+
+    // Null for an unknown type.
+    virtual Ref<const void> ResurrectValNumber() noexcept;
+
+    // False when the length is not 1; the payload is then left unread. Deliberate: where the next item
+    // begins is part of the format.
+    virtual Ref<const void> ResurrectValBoolean() noexcept;
+
+    // Null for no bytes. Deliberate as well.
+    virtual Ref<const void> ResurrectValData() noexcept;
+
+    // Null for no bytes, and for what is no whole bitmap.
+    virtual Ref<const void> ResurrectValCharacterSet() noexcept;
+
+    // An item that is null stands in the array, or the set, as null.
+    virtual Ref<const void> ResurrectValArray() noexcept;
+
+    // Ends with the first pair that lacks its key or value; what follows that is left unread.
+    virtual Ref<const void> ResurrectValDictionary() noexcept;
+
+    virtual Ref<const void> ResurrectValSet() noexcept;
+
+    // Null for what is no absolute URL.
+    virtual Ref<const void> ResurrectValURL() noexcept;
+
+    // Null for length 0; else made of the next 16 bytes, whatever the length says.
+    virtual Ref<const void> ResurrectValUUID() noexcept;
 
     // Reads `count` elements of `size` bytes and turns each to the processor's order; false when there
     // are not that many bytes left, which refuses the reading.
@@ -66,8 +82,8 @@ public:
     bool IsRefused() const noexcept { return refused_; }
 
 private:
-    // How many other keys may be met in all while dictionaries and sets are filled, on the way to the
-    // places of new ones: so many, and some for each key. By chance it is about one for each.
+    // What filling dictionaries and sets may take in all, beyond what each key takes by chance: a step for
+    // each other key that is met on the way to a place, and for each item of containers that are compared.
     static constexpr size_t kPatience = size_t{1} << 18;
     static constexpr size_t kPatienceForEach = 8;
 
@@ -77,7 +93,7 @@ private:
     bool ReadItems(size_t count);
     bool ReadPairs(size_t count);
     template <class Build>
-    Ref<const void> ResurrectContainer(size_t words, bool (TValResurrectContext::*read)(size_t),
+    Ref<const void> ResurrectContainer(size_t least_bytes, bool (TValResurrectContext::*read)(size_t),
                                        Build build) noexcept;
     Ref<const void> OrRefuse(const void *created) noexcept;
     void Refuse(const char *reason) noexcept;

@@ -54,6 +54,7 @@ inline size_t CountItems(const ValArray *array) noexcept {
 }
 inline size_t CountItems(const ValSet *set) noexcept {
     if (!set) return 0;
+    if (set->callbacks != &kValValueCallbacks) return set->table.Count(); // only the reader puts a null in
     const bool has_null = set->table.FindMatching(HashKey(*set->callbacks, nullptr),
                                                   [](const void *member) { return !member; });
     return set->table.Count() - has_null;

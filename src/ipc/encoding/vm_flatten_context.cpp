@@ -21,7 +21,7 @@ TValVMFlattenContext::TValVMFlattenContext(const void *value) noexcept {
     const size_t estimate = EstimateFlattenedSize(value, kPieceSize);
     SetOutput(Adopt(ValDataCreateMutable(std::min(estimate, kPieceSize))));
     Flatten(value);
-    if (IsOk() && !(Flush() && block_.Seal())) Fail();
+    if (!(IsOk() && Flush() && block_.Seal())) Fail();
     Close();
 }
 

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,6 +14,18 @@ namespace {
 
 // What a receiver asks for before it maps.
 constexpr int kSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+
+// Linux 6.3 and later; some systems give no memory files without it.
+#ifndef MFD_NOEXEC_SEAL
+#define MFD_NOEXEC_SEAL 0x0008U
+#endif
+
+// How long a file of this process may become. Who writes more gets a signal that ends the program.
+size_t MaximumFileSize() noexcept {
+    rlimit limit;
+    if (::getrlimit(RLIMIT_FSIZE, &limit) != 0) return 0;
+    return limit.rlim_cur < PTRDIFF_MAX ? static_cast<size_t>(limit.rlim_cur) : PTRDIFF_MAX;
+}
 
 size_t RoundToPages(size_t size) noexcept {
     const auto page = static_cast<size_t>(::sysconf(_SC_PAGESIZE));
@@ -46,12 +59,19 @@ void MemoryBlock::Free() noexcept {
 
 MemoryBlock MemoryBlock::Create() noexcept {
     MemoryBlock block;
-    block.descriptor_ = ::memfd_create("vellum", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+    constexpr unsigned kFlags = MFD_CLOEXEC | MFD_ALLOW_SEALING;
+    block.descriptor_ = ::memfd_create("vellum", kFlags | MFD_NOEXEC_SEAL);
+    if (block.descriptor_ < 0 && errno == EINVAL) block.descriptor_ = ::memfd_create("vellum", kFlags);
     return block;
 }
 
 bool MemoryBlock::Append(const void *bytes, size_t length) noexcept {
     if (descriptor_ < 0 || bytes_) return false;
+    const size_t maximum = MaximumFileSize();
+    if (size_ > maximum || length > maximum - size_) {
+        Free();
+        return false;
+    }
     const auto *from = static_cast<const uint8_t *>(bytes);
     while (length) {
         const ssize_t written = ::write(descriptor_, from, length);
@@ -70,7 +90,7 @@ bool MemoryBlock::Append(const void *bytes, size_t length) noexcept {
 bool MemoryBlock::Seal() noexcept {
     if (bytes_) return true;
     const size_t size = RoundToPages(size_);
-    if (size == 0 || ::ftruncate(descriptor_, static_cast<off_t>(size)) != 0 ||
+    if (size == 0 || size > MaximumFileSize() || ::ftruncate(descriptor_, static_cast<off_t>(size)) != 0 ||
         ::fcntl(descriptor_, F_ADD_SEALS, kSeals) != 0) {
         Free();
         return false;

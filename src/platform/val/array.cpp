@@ -29,7 +29,7 @@ bool EqualArrays(const ValObject *a, const ValObject *b) {
     auto *left = static_cast<const ValArray *>(a);
     auto *right = static_cast<const ValArray *>(b);
     if (left->count != right->count || !SameRules(*left->callbacks, *right->callbacks)) return false;
-    EqualityDepth depth;
+    EqualityDepth depth(left->count);
     auto equal = [left](const void *x, const void *y) { return EqualItems(*left->callbacks, x, y); };
     return depth && std::ranges::equal(Items(left), Items(right), equal);
 }

@@ -9,6 +9,14 @@ namespace {
 
 constexpr unsigned kMaximumEqualityDepth = 1000;
 constinit thread_local unsigned sEqualityDepth = 0;
+constinit thread_local size_t *sEqualityBudget = nullptr; // null: there is no end of it
+
+bool PayFromBudget(size_t count) noexcept {
+    if (!sEqualityBudget) return true;
+    const bool enough = count < *sEqualityBudget;
+    *sEqualityBudget = enough ? *sEqualityBudget - count : 0;
+    return enough;
+}
 
 bool IsContainer(const void *value) noexcept {
     ValType type = ValGetType(value);
@@ -42,14 +50,15 @@ const ValCallbacks *PlaceCallbacks(const ValCallbacks &callbacks, void *&tail) n
     return copy;
 }
 
-EqualityDepth::EqualityDepth() noexcept {
-    ++sEqualityDepth;
-}
+EqualityDepth::EqualityDepth(size_t count) noexcept
+    : fits_(++sEqualityDepth <= kMaximumEqualityDepth && PayFromBudget(count)) {}
 EqualityDepth::~EqualityDepth() {
     --sEqualityDepth;
 }
-EqualityDepth::operator bool() const noexcept {
-    return sEqualityDepth <= kMaximumEqualityDepth;
+
+EqualityBudget::EqualityBudget(size_t &left) noexcept : former_(std::exchange(sEqualityBudget, &left)) {}
+EqualityBudget::~EqualityBudget() {
+    sEqualityBudget = former_;
 }
 
 } // namespace vellum

@@ -42,14 +42,32 @@ uint64_t HashMember(const ValCallbacks &callbacks, const void *item) noexcept;
 size_t BytesForCallbacks(const ValCallbacks &callbacks) noexcept;
 const ValCallbacks *PlaceCallbacks(const ValCallbacks &callbacks, void *&tail) noexcept;
 
-// Stands while two containers are compared; false when more are nested than the stack should bear.
+// Stands while two containers are compared; false when more are nested than the stack should bear, or
+// when what their `count` items take is more than is left of the thread's EqualityBudget.
 class EqualityDepth {
 public:
-    EqualityDepth() noexcept;
+    explicit EqualityDepth(size_t count) noexcept;
     ~EqualityDepth();
     EqualityDepth(const EqualityDepth &) = delete;
     EqualityDepth &operator=(const EqualityDepth &) = delete;
-    explicit operator bool() const noexcept;
+    explicit operator bool() const noexcept { return fits_; }
+
+private:
+    bool fits_;
+};
+
+// While one stands, comparing containers on this thread is paid for from `left`, an item each. When that
+// has come to 0, containers are no longer equal but to themselves. It is for who compares values that may
+// have been made to take long: who finds 0 at the end must not believe what was compared.
+class EqualityBudget {
+public:
+    explicit EqualityBudget(size_t &left) noexcept;
+    ~EqualityBudget();
+    EqualityBudget(const EqualityBudget &) = delete;
+    EqualityBudget &operator=(const EqualityBudget &) = delete;
+
+private:
+    size_t *const former_;
 };
 
 } // namespace vellum

@@ -50,7 +50,7 @@ bool EqualDictionaries(const ValObject *a, const ValObject *b) {
         !SameRules(*left->value_callbacks, *right->value_callbacks)) {
         return false;
     }
-    EqualityDepth depth;
+    EqualityDepth depth(left->table.Count());
     return depth && HasEqualEntries(left, right);
 }
 
@@ -97,6 +97,7 @@ bool AdoptPair(ValDictionary *dictionary, const void *key, const void *value, si
 } // namespace
 
 ValDictionary *AdoptIntoDictionary(std::span<const void *const> pairs, size_t &patience) noexcept {
+    const EqualityBudget budget(patience);
     ValDictionary *dictionary = ValDictionaryCreateMutable(pairs.size() / 2, nullptr, nullptr);
     for (size_t i = 0; i < pairs.size(); i += 2) {
         if (dictionary && AdoptPair(dictionary, pairs[i], pairs[i + 1], patience)) continue;

@@ -2,9 +2,10 @@
 // The hash behind every value: fast on short texts, computable at compile time, and the same in
 // every process, because hashes are compared between processes.
 //
-// It is not keyed, and no defence against texts that are made to collide.
+// With its constant seeds it is no defence against texts that are made to collide.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +15,8 @@
 
 namespace vellum {
 
-inline constexpr uint64_t kHashSeeds[] = {0xa0761d6478bd642f, 0xe7037ed1a0b428db, 0x8ebc6af09c88c6e3};
+using HashSeeds = std::array<uint64_t, 3>;
+inline constexpr HashSeeds kHashSeeds = {0xa0761d6478bd642f, 0xe7037ed1a0b428db, 0x8ebc6af09c88c6e3};
 
 // Both halves of the 128-bit product folded together.
 constexpr uint64_t MixHash(uint64_t a, uint64_t b) noexcept {
@@ -53,12 +55,13 @@ constexpr uint64_t LoadBytes(const char *bytes, size_t count) noexcept {
     return value;
 }
 
-constexpr uint64_t HashBytes(std::string_view bytes) noexcept {
+// Seeds that nobody else knows make a hash of a process's own, for tables that strangers fill.
+constexpr uint64_t HashBytes(std::string_view bytes, const HashSeeds &seeds = kHashSeeds) noexcept {
     const char *at = bytes.data();
     size_t left = bytes.size();
-    uint64_t hash = kHashSeeds[0];
+    uint64_t hash = seeds[0];
     for (; left > 16; at += 16, left -= 16) {
-        hash = MixHash(LoadBytes(at, 8) ^ kHashSeeds[1], LoadBytes(at + 8, 8) ^ hash);
+        hash = MixHash(LoadBytes(at, 8) ^ seeds[1], LoadBytes(at + 8, 8) ^ hash);
     }
     uint64_t first = 0;
     uint64_t last = 0;
@@ -71,7 +74,7 @@ constexpr uint64_t HashBytes(std::string_view bytes) noexcept {
     } else {
         first = LoadBytes(at, left);
     }
-    return MixHash(kHashSeeds[1] ^ bytes.size(), MixHash(first ^ kHashSeeds[1], last ^ hash));
+    return MixHash(seeds[1] ^ bytes.size(), MixHash(first ^ seeds[1], last ^ hash));
 }
 
 } // namespace vellum

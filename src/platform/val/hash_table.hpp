@@ -86,22 +86,22 @@ public:
         return entry;
     }
 
-    // The entry with an equal key, or a new one for `key`, in a table that has room for it. Null when
-    // more than `patience` other entries had to be looked at on the way: keys out of other processes
-    // may have been chosen to collide.
+    // The entry with an equal key, or a new one for `key`, in a table that has room for it. Null once
+    // `patience` has come to 0, of which each other entry on the way takes one: keys out of other
+    // processes may have been chosen to collide.
     Entry *FindOrAppend(const ValCallbacks &callbacks, const void *key, uint32_t hash,
                         size_t &patience) noexcept {
         size_t size = IndexSize(capacity_);
         if (!size) {
             Entry *found = Find(callbacks, key, hash);
-            return found ? found : Append(key, hash);
+            return patience == 0 ? nullptr : found ? found : Append(key, hash);
         }
         for (size_t slot = hash & (size - 1);; slot = (slot + 1) & (size - 1)) {
             if (!Index()[slot]) return AppendAt(slot, key, hash);
             Entry *entry = &entries_[Index()[slot] - 1];
             if (entry->hash == hash && EqualItems(callbacks, entry->key, key)) return entry;
+            if (patience > 0) --patience;
             if (patience == 0) return nullptr;
-            --patience;
         }
     }
 

@@ -39,7 +39,7 @@ bool EqualSets(const ValObject *a, const ValObject *b) {
     if (left->table.Count() != right->table.Count() || !SameRules(*left->callbacks, *right->callbacks)) {
         return false;
     }
-    EqualityDepth depth;
+    EqualityDepth depth(left->table.Count());
     return depth && HasMembersOf(left, right);
 }
 
@@ -63,12 +63,13 @@ constinit const ValKind kSetKind{kValTypeSet, "Set", FinalizeSet, EqualSets, Has
 
 const ValString *FindStringInSet(const ValSet &set, std::string_view text, uint64_t hash) noexcept {
     const SetEntry *entry = set.table.FindMatching(SpreadHash(hash), [text](const void *member) {
-        return ValGetType(member) == kValTypeString && Text(static_cast<const ValString *>(member)) == text;
+        return Text(static_cast<const ValString *>(member)) == text;
     });
     return entry ? static_cast<const ValString *>(entry->key) : nullptr;
 }
 
 ValSet *AdoptIntoSet(std::span<const void *const> items, size_t &patience) noexcept {
+    const EqualityBudget budget(patience);
     ValSet *set = ValSetCreateMutable(items.size(), nullptr);
     for (size_t i = 0; i < items.size(); ++i) {
         const void *item = items[i];

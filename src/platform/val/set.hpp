@@ -20,7 +20,8 @@ struct ValSet : vellum::ValObject {
 
 namespace vellum {
 
-// The member of a set of values that is a string with this text, whose HashText it is, or null.
+// The member of a set of strings that has this text, or null; `hash` is what the set's callbacks give
+// for such a string.
 const ValString *FindStringInSet(const ValSet &set, std::string_view text, uint64_t hash) noexcept;
 
 // A set of values, null among them, whose references it takes over; of equal ones the first stays.

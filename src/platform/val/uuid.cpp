@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // UUIDs.
+#include "platform/process/random.hpp"
 #include "platform/val/hash.hpp"
 #include "platform/val/string.hpp"
 
-#include <sys/random.h>
-
 #include <array>
-#include <cerrno>
 #include <cstring>
 
 namespace vellum {
@@ -62,14 +60,6 @@ bool ParseUUID(std::string_view text, UUIDBytes &bytes) noexcept {
     return true;
 }
 
-bool FillRandom(UUIDBytes &bytes) noexcept {
-    ssize_t filled;
-    do {
-        filled = getrandom(bytes.data(), bytes.size(), 0);
-    } while (filled < 0 && errno == EINTR);
-    return filled == static_cast<ssize_t>(bytes.size()); // this few bytes come all at once
-}
-
 } // namespace
 
 constinit const ValKind kUUIDKind{kValTypeUUID, "UUID", nullptr, EqualUUIDs, HashUUID, nullptr};
@@ -80,7 +70,7 @@ using namespace vellum;
 
 const ValUUID *ValUUIDCreate(void) noexcept {
     UUIDBytes bytes{};
-    if (!FillRandom(bytes)) return nullptr;
+    if (!FillRandom(bytes.data(), bytes.size())) return nullptr;
     bytes[6] = static_cast<uint8_t>((bytes[6] & 0x0F) | 0x40); // version 4
     bytes[8] = static_cast<uint8_t>((bytes[8] & 0x3F) | 0x80); // the usual variant
     return AllocateObject<ValUUID>(0, bytes);

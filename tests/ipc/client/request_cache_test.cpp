@@ -4,11 +4,16 @@
 #include "ipc/client/request_cache.hpp"
 #include "platform/val/string.hpp"
 #include "support/allocations.hpp"
+#include "support/threads.hpp"
 #include "support/values.hpp"
+#include "values/val_cast.hpp"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <barrier>
 #include <thread>
+#include <vector>
 
 namespace vellum::test {
 namespace {
@@ -65,6 +70,60 @@ TEST_F(RequestCache, FindsTheAnswerToARequestOfAnyKind) {
     EXPECT_FALSE(cache.CopyResultForRequest(OneEntry(name.Get(), kValBooleanFalse).Get(), 0));
     EXPECT_EQ(TextOf(cache.CopyResultForRequest(url.Get(), 0)), "answer 3");
     EXPECT_EQ(TextOf(cache.CopyResultForRequest(nullptr, 0)), "answer 4");
+}
+
+// A request whose release asks again, as a caller's own may.
+struct AskingRequest {
+    static void Release(void *context) {
+        ++*static_cast<int *>(context);
+        Ask(50);
+    }
+};
+
+TEST_F(RequestCache, TakesAnswersFromWithinTheReleaseOfAnotherOne) {
+    int released = 0;
+    auto request = Adopt(ValDataCreateWithBytesNoCopy("x", 1, AskingRequest::Release, &released));
+    TRequestCache().AddResultForRequest(kValBooleanTrue, request.Get(), 0);
+    request = nullptr;
+    for (int i = 1; i <= 39; ++i) Ask(i);
+    Ask(40); // takes the place of the request, whose release asks 50
+    EXPECT_EQ(released, 1);
+    EXPECT_EQ(Cached(50), "answer 50");
+    EXPECT_EQ(Cached(40), "answer 40");
+    EXPECT_EQ(Cached(2), "answer 2");
+}
+
+TEST_F(RequestCache, TakesAnswersFromWithinBeingEmptied) {
+    int released = 0;
+    auto request = Adopt(ValDataCreateWithBytesNoCopy("x", 1, AskingRequest::Release, &released));
+    TRequestCache().AddResultForRequest(kValBooleanTrue, request.Get(), 0);
+    request = nullptr;
+    TGenerationSeed::UpdateGeneration();
+    EXPECT_EQ(Cached(1), "(null)");
+    EXPECT_EQ(released, 1);
+    EXPECT_EQ(Cached(50), "answer 50");
+}
+
+TEST_F(RequestCache, FindsNothingWhereTheComparisonItselfAsks) {
+    const ValCallbacks callbacks = {ValRetain, ValRelease,
+                                    [](const void *a, const void *b) {
+                                        Ask(51);
+                                        return ValEqual(a, b);
+                                    },
+                                    ValHash, nullptr};
+    const auto set = [&callbacks](const void *member) {
+        auto made = Adopt(ValSetCreateMutable(0, &callbacks));
+        ValSetAdd(made.Get(), member);
+        return made;
+    };
+    const auto name = String("n");
+    const auto equal = String("n");
+    for (int i = 1; i <= 20; ++i) Ask(i);
+    TRequestCache().AddResultForRequest(kValBooleanTrue, set(name.Get()).Get(), 0);
+    for (int i = 21; i <= 30; ++i) Ask(i);
+    EXPECT_FALSE(TRequestCache().CopyResultForRequest(set(equal.Get()).Get(), 0));
+    EXPECT_EQ(Cached(51), "answer 51");
+    for (int i = 1; i <= 30; ++i) EXPECT_EQ(Cached(i), "answer " + std::to_string(i)) << i;
 }
 
 TEST_F(RequestCache, TellsRequestsOfOneHashApart) {
@@ -222,9 +281,48 @@ TEST(ConcurrentRequestCache, EndsWithItsThread) {
 }
 
 TEST(ConcurrentRequestCache, IsEmptyOnEveryThreadAfterAFontHasChanged) {
-    Ask(1);
-    std::thread([] { TGenerationSeed::UpdateGeneration(); }).join();
-    EXPECT_EQ(Cached(1), "(null)");
+    std::barrier filled(kThreads + 1);
+    std::barrier changed(kThreads + 1);
+    std::atomic<int> empty{0};
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&] {
+            Ask(1);
+            filled.arrive_and_wait();
+            changed.arrive_and_wait();
+            if (Cached(1) == "(null)") ++empty;
+        });
+    }
+    filled.arrive_and_wait();
+    TGenerationSeed::UpdateGeneration();
+    changed.arrive_and_wait();
+    for (auto &thread : threads) thread.join();
+    EXPECT_EQ(empty, static_cast<int>(kThreads));
+}
+
+// Answers name the generation in which they were asked for: none is found in a later one.
+TEST(ConcurrentRequestCache, HoldsNoAnswerFromBeforeAChange) {
+    std::atomic<bool> done{false};
+    std::thread changing([&done] {
+        for (int i = 0; i < 20'000; ++i) TGenerationSeed::UpdateGeneration();
+        done = true;
+    });
+    const auto request = Request(1);
+    int late = 0;
+    int found = 0;
+    while (!done || found == 0) {
+        const TRequestCache cache;
+        const auto asked = static_cast<int32_t>(TGenerationSeed::GetGeneration());
+        const auto answer = Adopt(ValNumberCreateSInt32(asked));
+        cache.AddResultForRequest(answer.Get(), request.Get(), 0);
+        const auto now = static_cast<int32_t>(TGenerationSeed::GetGeneration());
+        const auto cached = TRequestCache().CopyResultForRequest(request.Get(), 0);
+        if (!cached) continue;
+        ++found;
+        if (ValNumberGetSInt32(Cast<ValNumber>(cached.Get())) < now) ++late;
+    }
+    changing.join();
+    EXPECT_EQ(late, 0);
 }
 
 using RequestCacheInExhaustedMemory = ExhaustedMemoryTest;

@@ -47,6 +47,20 @@ inline Ref<const void> Resurrected(const Bytes &bytes) {
     return TValResurrectContext(copy.data(), copy.size()).Resurrect();
 }
 
+// A boolean that is true: what tests put behind an item, to see that reading goes on there.
+inline constexpr std::string_view kTrue = "00000103 00000001 01";
+
+// A reader of bytes that it keeps.
+class Reader {
+public:
+    explicit Reader(Bytes bytes) : bytes_(std::move(bytes)), context_(bytes_.data(), bytes_.size()) {}
+    TValResurrectContext *operator->() { return &context_; }
+
+private:
+    Bytes bytes_;
+    TValResurrectContext context_;
+};
+
 inline Ref<const ValArray> List(const std::vector<Ref<const void>> &values) {
     std::vector<const void *> items;
     for (const auto &value : values) items.push_back(value.Get());

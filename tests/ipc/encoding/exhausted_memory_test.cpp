@@ -47,9 +47,10 @@ TEST_F(FlattenInExhaustedMemory, HasABlockOrNone) {
     int failures = 0;
     for (bool failed = true; failed; failures += failed) {
         failed = FailAfter(failures, [&] {
-            const TValVMFlattenContext context(value.Get());
+            TValVMFlattenContext context(value.Get());
             EXPECT_EQ(context.GetBuffer() != nullptr, context.IsOk());
             EXPECT_EQ(context.GetBuffer() != nullptr, !HasAllocationFailed());
+            EXPECT_EQ(context.OrphanBuffer().Descriptor() >= 0, !HasAllocationFailed());
         });
     }
     EXPECT_GE(failures, 1);

@@ -258,6 +258,14 @@ TEST(Flatten, RefusesContainersOfWhatAreNoValues) {
     EXPECT_EQ(log.Records().size(), 4U);
 }
 
+TEST(Flatten, AsksCallersHashesForNoNull) {
+    const ValCallbacks callbacks = {ValRetain, ValRelease, ValEqual,
+                                    [](const void *item) -> uint64_t { return TypeOf(item); }, nullptr};
+    const auto set = Adopt(ValSetCreateMutable(0, &callbacks));
+    ValSetAdd(set.Get(), String("a").Get());
+    EXPECT_EQ(Flattened(set), Hex("00000100 00000001 00000007 00000001 61"));
+}
+
 TEST(Flatten, WritesDictionariesThatFoldTheCaseOfTheirKeys) {
     const auto dictionary =
         Adopt(ValDictionaryCreateMutable(0, &kValCaseInsensitiveStringCallbacks, nullptr));
@@ -294,12 +302,12 @@ TEST(Flatten, ConvertsStreamedElementsOfTwoFourAndEightBytes) {
     TValFlattenContext context(ValDataCreateMutable(0), true);
     const uint8_t bytes[] = {1, 2, 3};
     const uint16_t words[] = {0x0102, 0x0304};
-    const uint32_t doubleWord = 0x01020304;
-    const uint64_t quadWord = 0x0102030405060708;
+    const uint32_t double_word = 0x01020304;
+    const uint64_t quad_word = 0x0102030405060708;
     context.StreamOut(bytes, 1, 3);
     context.StreamOut(words, 2, 2);
-    context.StreamOut(&doubleWord, 4, 1);
-    context.StreamOut(&quadWord, 8, 1);
+    context.StreamOut(&double_word, 4, 1);
+    context.StreamOut(&quad_word, 8, 1);
     context.StreamOut(bytes, 3, 1); // of any other size: as it is
     context.StreamOut32bitEntity(0xAABBCCDD);
     EXPECT_EQ(Bytes(context.GetBytePtr(), context.GetBytePtr() + context.GetLength()),

@@ -16,19 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// A reader of bytes that it keeps.
-class Reader {
-public:
-    explicit Reader(Bytes bytes) : bytes_(std::move(bytes)), context_(bytes_.data(), bytes_.size()) {}
-    TValResurrectContext *operator->() { return &context_; }
-
-private:
-    Bytes bytes_;
-    TValResurrectContext context_;
-};
-
 constexpr std::string_view kEmptyData = "00000012 00000000";
-constexpr std::string_view kTrue = "00000103 00000001 01";
 
 TEST(Resurrect, ReadsStrings) {
     EXPECT_EQ(TextOf(Resurrected(Hex("00000007 00000009 c3a9 e282ac f09f9880"))), "é€😀");
@@ -300,77 +288,18 @@ TEST(Resurrect, StreamsElementsInInTheProcessorsOrder) {
     Reader reader(Hex("010203 0102 0304 01020304 0102030405060708 00"));
     uint8_t bytes[3];
     uint16_t words[2];
-    uint32_t doubleWord;
-    uint64_t quadWord;
+    uint32_t double_word;
+    uint64_t quad_word;
     ASSERT_TRUE(reader->StreamInData(bytes, 1, 3));
     ASSERT_TRUE(reader->StreamInData(words, 2, 2));
-    ASSERT_TRUE(reader->StreamInData(&doubleWord, 4, 1));
-    ASSERT_TRUE(reader->StreamInData(&quadWord, 8, 1));
+    ASSERT_TRUE(reader->StreamInData(&double_word, 4, 1));
+    ASSERT_TRUE(reader->StreamInData(&quad_word, 8, 1));
     EXPECT_THAT(bytes, ElementsAre(1, 2, 3));
     EXPECT_THAT(words, ElementsAre(0x0102, 0x0304));
-    EXPECT_EQ(doubleWord, 0x01020304U);
-    EXPECT_EQ(quadWord, 0x0102030405060708U);
+    EXPECT_EQ(double_word, 0x01020304U);
+    EXPECT_EQ(quad_word, 0x0102030405060708U);
     EXPECT_FALSE(reader->StreamInData(words, 2, 1));
     EXPECT_TRUE(reader->IsRefused());
-}
-
-// ---- what refuses the whole reading ---------------------------------------------------------------
-
-TEST(ResurrectRefuses, BytesThatEndTooEarlyWhereverTheyAreCut) {
-    const Bytes whole = Flattened(Dictionary(
-        {{String("string"), String("text")},
-         {String("number"), Int(1)},
-         {String("data"), Adopt(ValDataCreate("abc", 3))},
-         {String("list"), List({Retain(kValBooleanTrue), Adopt(ValUUIDCreate()), Url("file:///a")})},
-         {String("set"), SetOf({Adopt(ValCharacterSetCreateWithRange(1, 2))})}}));
-    CapturedLog log;
-    for (size_t length = 1; length<whole.size(); length += length> 300 ? 97 : 1) {
-        const Bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-        Reader reader(cut);
-        ASSERT_FALSE(reader->Resurrect()) << length;
-        ASSERT_TRUE(reader->IsRefused()) << length;
-    }
-    EXPECT_TRUE(Resurrected(whole));
-}
-
-TEST(ResurrectRefuses, EverythingOnceItHasRefused) {
-    CapturedLog log;
-    Reader reader(Hex("00000007 00000100") + Hex(kTrue));
-    EXPECT_FALSE(reader->Resurrect());
-    EXPECT_FALSE(reader->Resurrect());
-    EXPECT_FALSE(reader->ResurrectValArray());
-    EXPECT_EQ(log.Lines().size(), 1U);
-    EXPECT_EQ(log.Records()[0].level, LogLevel::kError);
-}
-
-TEST(ResurrectRefuses, LengthsAndCountsThatTheBytesLeftCannotHold) {
-    for (const char *tag :
-         {"00000007", "00000012", "0000001b", "00000101", "00000011", "00000100", "00000010"}) {
-        for (const char *length : {"7fffffff", "0000000a"}) {
-            CapturedLog log;
-            EXPECT_FALSE(Resurrected(Hex(tag) + Hex(length) + Hex(kTrue))) << tag;
-            EXPECT_EQ(log.Lines().size(), 1U) << tag;
-        }
-    }
-}
-
-TEST(ResurrectRefuses, ACountOfOneMoreThanFits) {
-    CapturedLog log;
-    EXPECT_TRUE(Resurrected(Hex("00000011 00000002 00000008 00000008")));
-    EXPECT_FALSE(Resurrected(Hex("00000011 00000003 00000008 00000008")));
-    EXPECT_TRUE(Resurrected(Hex("00000010 00000001 00000008 00000008")));
-    EXPECT_FALSE(Resurrected(Hex("00000010 00000002 00000008 00000008 00000008")));
-}
-
-TEST(ResurrectRefuses, NumbersOfAnImpossibleSize) {
-    for (const char *bytes :
-         {"00000003 00000008 0000000000000001", "00000001 00000000", "00000006 00000004 00000000",
-          "00000007 00000003 000000", "00000000 00000000", "00000003 ffffffff 00000001"}) {
-        CapturedLog log;
-        Reader reader(Hex("00000016") + Hex(bytes) + Hex(kTrue));
-        EXPECT_FALSE(reader->Resurrect()) << bytes;
-        EXPECT_TRUE(reader->IsRefused()) << bytes;
-    }
 }
 
 TEST(Resurrect, ReadsANumberOfAnUnknownTypeAsNullAndGoesOn) {
@@ -381,39 +310,6 @@ TEST(Resurrect, ReadsANumberOfAnUnknownTypeAsNullAndGoesOn) {
     EXPECT_FALSE(reader->Resurrect());
     EXPECT_EQ(reader->Resurrect().Get(), kValBooleanTrue);
     EXPECT_THAT(log.Lines(), ElementsAre("*** don't know number type 7", "*** don't know number type 0"));
-}
-
-Bytes NestedArrays(size_t depth) {
-    Bytes bytes;
-    for (size_t i = 1; i < depth; ++i) bytes = bytes + Hex("00000011 00000001");
-    return bytes + Hex("00000011 00000000");
-}
-
-TEST(ResurrectRefuses, ContainersNestedDeeperThanSixtyFour) {
-    CapturedLog log;
-    EXPECT_TRUE(ValEqual(Resurrected(NestedArrays(64)).Get(), Nested(64).Get()));
-    EXPECT_FALSE(Resurrected(NestedArrays(65)));
-    EXPECT_FALSE(Resurrected(NestedArrays(5'000)));
-    EXPECT_EQ(log.Lines().size(), 2U);
-}
-
-TEST(ResurrectRefuses, AnythingBadInsideOfTheOuterContainerToo) {
-    CapturedLog log;
-    EXPECT_FALSE(Resurrected(Hex("00000011 00000002") + Hex(kTrue) + Hex("00000007 00001000")));
-    EXPECT_FALSE(Resurrected(Hex("00000010 00000001 00000007 00000001 61 00000007 00001000")));
-    EXPECT_FALSE(Resurrected(Hex("00000100 00000001 00000016 00000003 00000001 00")));
-}
-
-TEST(ResurrectRefuses, KeysThatWereMadeToCollide) {
-    // Of an array's members that are containers the hash knows no more than the kind.
-    Bytes set = Hex("00000100 00002000");
-    for (uint32_t i = 0; i < 0x2000; ++i) {
-        set = set + Hex("00000011 00000001 00000011 00000001") + Flattened(Int(static_cast<int32_t>(i)));
-    }
-    CapturedLog log;
-    EXPECT_FALSE(Resurrected(set));
-    EXPECT_EQ(log.Lines().size(), 1U);
-    EXPECT_THAT(log.Lines()[0], ::testing::HasSubstr("made to collide"));
 }
 
 // As many as fill the table to the most, where by chance alone each key meets another one.
@@ -429,17 +325,6 @@ TEST(Resurrect, ReadsLargeDictionariesAndSets) {
     }
     EXPECT_EQ(ValSetGetCount(Cast<ValSet>(Resurrected(set).Get())), kCount);
     EXPECT_EQ(ValDictionaryGetCount(Cast<ValDictionary>(Resurrected(dictionary).Get())), kCount);
-}
-
-TEST(Resurrect, WritesAtMostSeventeenLinesToTheLog) {
-    CapturedLog log;
-    ByteWriter bytes;
-    bytes.U32(17).U32(1'000);
-    for (int i = 0; i < 999; ++i) bytes.U32(8);
-    bytes.U32(7).U32(5); // and refuses at the end
-    EXPECT_FALSE(Resurrected(bytes));
-    EXPECT_EQ(log.Lines().size(), 17U);
-    EXPECT_THAT(log.Lines().back(), ::testing::StartsWith("*** refused to resurrect a value"));
 }
 
 } // namespace

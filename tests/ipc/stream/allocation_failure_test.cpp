@@ -72,7 +72,8 @@ TEST_F(DataStreamInExhaustedMemory, IsNotWritten) {
     for (const auto &write : kWrites) {
         int allocations = 0;
         // Of every length around the buffer's capacity.
-        for (size_t length = 180; length < 260; ++length) allocations += FailWriting(length, write, FailAfter);
+        for (size_t length = 180; length < 260; ++length)
+            allocations += FailWriting(length, write, FailAfter);
         EXPECT_GE(allocations, 3);
     }
 }
