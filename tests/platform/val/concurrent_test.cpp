@@ -37,7 +37,8 @@ TEST(ConcurrentValues, ShareSmallIntegersWhoeverMakesThemFirst) {
     constexpr int32_t kCount = 256;
     std::array<std::array<const ValNumber *, kCount>, test::kThreads> made{};
     test::OnEveryThread([&](size_t thread) {
-        for (int32_t i = 0; i < kCount; ++i) made[thread][static_cast<size_t>(i)] = ValNumberCreateSInt32(i);
+        for (int32_t i = 0; i < kCount; ++i)
+            made[thread][static_cast<size_t>(i)] = ValNumberCreateSInt32(i);
     });
     for (const auto &numbers : made) EXPECT_EQ(numbers, made[0]);
 }
