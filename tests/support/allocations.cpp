@@ -38,16 +38,38 @@ void *__wrap_realloc(void *memory, size_t size) {
     return IsToFail() ? nullptr : __real_realloc(memory, size);
 }
 
-// The other forms of new and delete call these; this malloc is the wrapped one.
+// All forms of new and delete for what is not over-aligned: those of a sanitizer's own would not go with
+// these. This malloc is the wrapped one.
+void *operator new(size_t size, const std::nothrow_t &) noexcept {
+    return std::malloc(size ? size : 1);
+}
 void *operator new(size_t size) {
-    void *memory = std::malloc(size ? size : 1);
+    void *memory = operator new(size, std::nothrow);
     if (!memory) throw std::bad_alloc();
     return memory;
+}
+void *operator new[](size_t size, const std::nothrow_t &) noexcept {
+    return operator new(size, std::nothrow);
+}
+void *operator new[](size_t size) {
+    return operator new(size);
 }
 void operator delete(void *memory) noexcept {
     std::free(memory);
 }
 void operator delete(void *memory, size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void *memory, const std::nothrow_t &) noexcept {
+    std::free(memory);
+}
+void operator delete[](void *memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void *memory, size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void *memory, const std::nothrow_t &) noexcept {
     std::free(memory);
 }
 

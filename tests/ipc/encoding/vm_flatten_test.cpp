@@ -125,16 +125,17 @@ TEST(VMFlatten, HasNoBlockForWhatIsLargerThanALengthCanSay) {
     EXPECT_FALSE(context.IsOk());
 }
 
-TEST(VMFlatten, HasNoBlockWhenDescriptorsAreExhausted) {
+TEST(VMFlatten, HasNoBlockWhenTheSystemHasNoRoom) {
     rlimit limit;
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
     const rlimit none = {0, limit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
     TValVMFlattenContext context(kValBooleanTrue);
-    setrlimit(RLIMIT_NOFILE, &limit);
+    setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(context.GetBuffer(), nullptr);
     EXPECT_EQ(context.GetBufferSize(), 0U);
     EXPECT_EQ(context.GetLength(), 0U);
+    EXPECT_FALSE(context.IsOk());
 }
 
 TEST(VMFlatten, AnswersZeroWhereOthersHaveAnAddressAndASize) {

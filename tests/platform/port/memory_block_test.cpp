@@ -114,6 +114,17 @@ TEST_F(MemoryBlockWithALimit, IsEmptyWhenItsLastPageIsMoreThanAFileMayHold) {
     EXPECT_EQ(block.Descriptor(), -1);
 }
 
+TEST(MemoryBlock, IsEmptyWhenDescriptorsAreExhausted) {
+    rlimit limit;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const rlimit none = {0, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const MemoryBlock block = MemoryBlock::Create();
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(block.Descriptor(), -1);
+    EXPECT_EQ(block.Size(), 0U);
+}
+
 TEST(MemoryBlock, MovesAndLeavesNothingBehind) {
     MemoryBlock block = Sealed("m");
     const uint8_t *address = block.Bytes();
