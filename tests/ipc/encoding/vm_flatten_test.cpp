@@ -6,6 +6,7 @@
 #include "support/captured_log.hpp"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
