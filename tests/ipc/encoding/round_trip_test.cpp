@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writer and reader against models of values, and against a second reader, on values and bytes made at
-// random. A failure names the seed of its case: with it in VELLUM_TEST_SEED that case comes first.
+// random. Failures print a seed; VELLUM_TEST_SEED begins with another one than usual.
 #include "ipc/encoding/encoded.hpp"
 #include "ipc/encoding/flattened_size.hpp"
 #include "ipc/encoding/generator.hpp"
