@@ -22,12 +22,6 @@
 namespace vellum {
 namespace {
 
-constexpr GxTag Tag(const char (&text)[5]) noexcept {
-    GxTag tag = 0;
-    for (size_t i = 0; i < 4; ++i) tag = tag << 8 | static_cast<uint8_t>(text[i]);
-    return tag;
-}
-
 // What nothing but a bit is known of.
 constexpr float kBoldWeight = 0.4F;
 constexpr float kCondensedWidth = -0.2F;
@@ -173,7 +167,7 @@ private:
     }
 
     void AskTables() {
-        constexpr std::array kTags = {Tag("OS/2"), Tag("hhea"), Tag("post"), Tag("head")};
+        constexpr std::array kTags = {MakeTag("OS/2"), MakeTag("hhea"), MakeTag("post"), MakeTag("head")};
         std::array<Ref<const ValData>, kTags.size()> tables;
         GxFontCopyTables(font_, kTags, tables);
         if (GxFontIsInstance(font_)) AskInstance();
@@ -187,12 +181,13 @@ private:
     void AskInstance() {
         const VariationValues values(font_);
         float value = 0;
-        if (const auto wght = values.Find(Tag("wght")); wght && !weight) {
+        if (const auto wght = values.Find(MakeTag("wght")); wght && !weight) {
             if (WeightOfWeightClass(std::lround(*wght), value)) weight = value;
         }
-        if (const auto wdth = values.Find(Tag("wdth")); wdth && !width) width = WidthOfPercentage(*wdth);
-        const auto slnt = values.Find(Tag("slnt"));
-        const auto ital = values.Find(Tag("ital"));
+        if (const auto wdth = values.Find(MakeTag("wdth")); wdth && !width)
+            width = WidthOfPercentage(*wdth);
+        const auto slnt = values.Find(MakeTag("slnt"));
+        const auto ital = values.Find(MakeTag("ital"));
         if (slant || (!slnt && !ital)) return;
         slant = ital && *ital != 0 ? kItalicSlant : 0.0F;
         if (slnt && *slnt != 0) slant = static_cast<float>(-*slnt / 180);
@@ -213,7 +208,7 @@ private:
         const uint16_t metrics = table.GetMetricsCount();
         if (metrics <= 1) {
             fixed_pitch = true;
-        } else if (auto hmtx = GxFontCopyTable(font_, Tag("hmtx"))) {
+        } else if (auto hmtx = GxFontCopyTable(font_, MakeTag("hmtx"))) {
             fixed_pitch = hmtxTable(std::move(hmtx), metrics).IsFixedPitch();
         }
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "describe/style_glossaries.hpp"
 
+#include "platform/val/letter_case.hpp"
+
 #include <algorithm>
 
 namespace vellum {
@@ -75,10 +77,6 @@ constexpr StyleWord kAbbreviatedWeightWords[] = {
     {"EL", -0.2F}, {"EB", 0.5F}, {"SB", 0.3F}, {"UH", 0.8F}, {"U", 0.7F},
     {"L", -0.4F},  {"H", 0.56F}, {"B", 0.4F},  {"M", 0.23F}, {"R", 0.0F},
 };
-
-constexpr char LowerAscii(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 bool StartsWith(std::string_view folded, std::string_view word) noexcept {
     return folded.size() >= word.size() &&
