@@ -33,10 +33,7 @@ TValStr TValStr::TrimWhitespace() const {
 }
 
 TValStr TValStr::TrimWhitespaceAndDash() const {
-    const TValStr dash("-");
-    TValStr trimmed = TrimWhitespace();
-    while (trimmed.HasPrefix("-") || trimmed.HasSuffix("-")) trimmed = trimmed.Trim(dash).TrimWhitespace();
-    return trimmed;
+    return Trim(TValStr("-")).TrimWhitespace();
 }
 
 TValStr TValStr::Lowercase() const {

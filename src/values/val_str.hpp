@@ -39,7 +39,7 @@ public:
     TValStr Trim(const TValStr &trim) const;
     TValStr TrimWhitespace() const;
 
-    // Without white space and "-" at both ends, in any mixture.
+    // Without "-" at both ends, and then without white space there: a "-" behind white space stays.
     TValStr TrimWhitespaceAndDash() const;
 
     TValStr Lowercase() const;

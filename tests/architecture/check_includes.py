@@ -37,6 +37,7 @@ OUTSIDE_HEADERS = [
     (re.compile(r"hb(-[\w-]+)?\.h$|harfbuzz/"), {"platform"}),
     (re.compile(r"ft2build\.h$|freetype/|freetype2/"), {"platform"}),
     (re.compile(r"expat\w*\.h$"), {"platform"}),
+    (re.compile(r"unicode/"), {"platform"}),
     (re.compile(r"sys/"), {"platform", "tools"}),
     (re.compile(r"CLI/|nlohmann/"), {"tools"}),
 ]

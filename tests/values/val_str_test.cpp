@@ -45,11 +45,13 @@ TEST(TValStr, KnowsItsEnds) {
     EXPECT_FALSE(TValStr().HasPrefix("a"));
 }
 
-TEST(TValStr, TrimsWhiteSpaceAndDashesInAnyMixture) {
-    EXPECT_EQ(TValStr(" - -Bold Italic- \t-").TrimWhitespaceAndDash().View(), "Bold Italic");
+TEST(TValStr, TrimsDashesAndThenWhiteSpace) {
+    EXPECT_EQ(TValStr("-- Bold Italic \t-").TrimWhitespaceAndDash().View(), "Bold Italic");
     EXPECT_EQ(TValStr("Semi-Bold").TrimWhitespaceAndDash().View(), "Semi-Bold");
-    EXPECT_EQ(TValStr(" - ").TrimWhitespaceAndDash(), TValStr(""));
-    EXPECT_EQ(TValStr("\u3000-a").TrimWhitespaceAndDash().View(), "a");
+    EXPECT_EQ(TValStr("- -").TrimWhitespaceAndDash(), TValStr(""));
+    EXPECT_EQ(TValStr(" - Bold").TrimWhitespaceAndDash().View(),
+              "- Bold"); // a dash behind white space stays
+    EXPECT_EQ(TValStr("-\u3000a").TrimWhitespaceAndDash().View(), "a");
     EXPECT_EQ(TValStr("–a").TrimWhitespaceAndDash().View(), "–a"); // a dash, but not "-"
     EXPECT_FALSE(TValStr().TrimWhitespaceAndDash());
 }

@@ -8,7 +8,9 @@
 #include "platform/val/character_set.hpp"
 
 #include <algorithm>
+#include <array>
 #include <set>
+#include <span>
 
 namespace vellum {
 namespace {
@@ -30,13 +32,14 @@ struct TBudget {
     }
 };
 
-// Segment arrays of 16-bit numbers: ends at 14, starts behind them and two bytes of padding.
+// Segment arrays of 16-bit numbers: ends at 14, starts behind them and two bytes of padding. Segments whose
+// start is missing count from 0 on.
 bool IsSegmentMapCheap(TBytes subtable, TBudget &budget) noexcept {
     const size_t segments = ReadU16(subtable, 6) / 2u;
-    for (size_t i = 0; i < segments; ++i) {
-        const uint32_t last = ReadU16(subtable, 14 + 2 * i);
-        const uint32_t first = ReadU16(subtable, 16 + 2 * (segments + i));
-        if (!budget.Take(first, last)) return false;
+    const TBytes ends = Slice(subtable, 14, 2 * segments);
+    const TBytes starts = Slice(subtable, 16 + 2 * segments, 2 * segments);
+    for (size_t i = 0; i < ends.size() / 2; ++i) {
+        if (!budget.Take(ReadU16(starts, 2 * i), ReadU16(ends, 2 * i))) return false;
     }
     return true;
 }
@@ -46,8 +49,9 @@ bool IsGroupMapCheap(TBytes subtable, TBudget &budget) noexcept {
     const TBytes groups = Slice(subtable, 16, subtable.size());
     const size_t count = std::min<size_t>(ReadU32(subtable, 12), groups.size() / 12);
     for (size_t i = 0; i < count; ++i) {
-        const uint32_t last = std::min<uint32_t>(ReadU32(groups, 12 * i + 4), 0x10FFFF);
-        if (!budget.Take(ReadU32(groups, 12 * i), last)) return false;
+        const TBytes group = groups.subspan(12 * i, 12);
+        const uint32_t last = std::min<uint32_t>(ReadU32(group, 4), 0x10FFFF);
+        if (!budget.Take(ReadU32(group, 0), last)) return false;
     }
     return true;
 }
@@ -90,6 +94,32 @@ bool IsCheap(TBytes cmap) {
     return true;
 }
 
+// Fonts cover long ranges whole: a stretch of members that are all neighbours is added as one.
+void AddMembers(TPageCollector &pages, std::span<const hb_codepoint_t> members) {
+    constexpr size_t kStretch = 64;
+    while (!members.empty()) {
+        const auto stretch = members.first(std::min(kStretch, members.size()));
+        if (stretch.back() - stretch.front() == stretch.size() - 1) {
+            pages.AddRange(stretch.front(), stretch.back());
+        } else {
+            for (const hb_codepoint_t member : stretch) pages.AddRange(member, member);
+        }
+        members = members.subspan(stretch.size());
+    }
+}
+
+// HarfBuzz hands out many members at a time much faster than ranges.
+Ref<const ValCharacterSet> CopyMembers(const hb_set_t *set) {
+    TPageCollector pages;
+    std::array<hb_codepoint_t, 1024> members;
+    hb_codepoint_t last = HB_SET_VALUE_INVALID;
+    while (const size_t count = hb_set_next_many(set, last, members.data(), members.size())) {
+        AddMembers(pages, std::span(members).first(count));
+        last = members[count - 1];
+    }
+    return pages.MakeSet();
+}
+
 } // namespace
 
 Ref<const ValCharacterSet> ReadCoverage(TBytes cmap, TBytes os2, unsigned int glyphs) {
@@ -102,9 +132,7 @@ Ref<const ValCharacterSet> ReadCoverage(TBytes cmap, TBytes os2, unsigned int gl
         hb_face_set_glyph_count(face.get(), GlyphsToAssume(cmap, glyphs));
         hb_face_collect_unicodes(face.get(), set.get());
     }
-    return ShareCharacterSet(MakeCharacterSet([&set](uint32_t *first, uint32_t *last) {
-        return hb_set_next_range(set.get(), first, last) != 0;
-    }));
+    return ShareCharacterSet(CopyMembers(set.get()));
 }
 
 } // namespace vellum

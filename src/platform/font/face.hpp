@@ -30,7 +30,7 @@ public:
     // What only sfnt faces have.
     virtual Ref<const ValString> CopyLocalizedName(GxNameKey, std::string_view) const { return nullptr; }
     virtual Ref<const ValArray> CopyNameLanguages() const { return nullptr; }
-    virtual void CopyTables(std::span<const GxTag>, std::span<Ref<const ValData>>) const {}
+    virtual void CopyTables(std::span<const GxTag>, std::span<Ref<const ValData>>, size_t) const {}
     virtual std::span<const GxTag> TableTags() const { return {}; }
     virtual std::span<const GxAxis> Axes() const { return {}; }
 

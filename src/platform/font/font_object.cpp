@@ -11,6 +11,7 @@ namespace {
 void Finalize(ValObject *object) noexcept {
     auto *font = static_cast<GxFont *>(object);
     if (!font->file) ForgetLiveDataFont(font);
+    delete font->companion.load(std::memory_order_acquire);
     font->~GxFont();
 }
 

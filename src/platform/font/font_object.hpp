@@ -5,6 +5,7 @@
 #include "platform/font/face.hpp"
 #include "platform/val/object.hpp"
 
+#include <atomic>
 #include <mutex>
 #include <utility>
 
@@ -20,6 +21,8 @@ struct GxFont : vellum::ValObject {
     mutable std::mutex mutex; // guards what is derived late, below
     mutable vellum::Ref<const ValURL> url;
     mutable vellum::Ref<const ValDictionary> variations;
+
+    mutable std::atomic<vellum::GxFontCompanion *> companion = nullptr; // owned; set once
 };
 
 namespace vellum {

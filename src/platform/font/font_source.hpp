@@ -7,10 +7,9 @@
 #pragma once
 
 #include "platform/font/big_endian.hpp"
+#include "platform/fs/file.hpp"
 
 #include <vellum/values.hpp>
-
-#include <sys/stat.h>
 
 #include <memory>
 #include <string>
@@ -18,61 +17,16 @@
 
 namespace vellum {
 
-// Bytes of their own.
-class TBuffer {
-public:
-    TBuffer() noexcept = default;
-    explicit TBuffer(size_t size) : bytes_(std::make_unique_for_overwrite<uint8_t[]>(size)), size_(size) {}
-
-    TBytes View() const noexcept { return {bytes_.get(), size_}; }
-    std::span<uint8_t> Writable() noexcept { return {bytes_.get(), size_}; }
-    size_t Size() const noexcept { return size_; }
-    void Cut(size_t size) noexcept { size_ = size < size_ ? size : size_; }
-
-private:
-    std::unique_ptr<uint8_t[]> bytes_;
-    size_t size_ = 0;
-};
-
-// One descriptor, closed at the end.
-class TDescriptor {
-public:
-    explicit TDescriptor(int descriptor = -1) noexcept : descriptor_(descriptor) {}
-    TDescriptor(TDescriptor &&other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    TDescriptor &operator=(TDescriptor &&other) noexcept {
-        std::swap(descriptor_, other.descriptor_);
-        return *this;
-    }
-    ~TDescriptor();
-
-    int Get() const noexcept { return descriptor_; }
-    bool IsOpen() const noexcept { return descriptor_ >= 0; }
-
-private:
-    int descriptor_;
-};
-
-// Which state of which file.
-struct TFileIdentity {
-    dev_t device = 0;
-    ino_t inode = 0;
-    uint64_t size = 0;
-    int64_t seconds = 0;
-    int64_t nanoseconds = 0;
-
-    static TFileIdentity Of(const struct stat &status) noexcept;
-    bool operator==(const TFileIdentity &) const = default;
-};
-
-// Opens a regular file of at most limits::kFileSize for reading, without waiting for anything and
-// without becoming anybody's terminal. Anything else gives a closed descriptor.
+// Opens a regular file of at most limits::kFileSize.
 TDescriptor OpenRegularFile(const char *path, TFileIdentity *identity) noexcept;
 
 // A round of reading. One that could not begin is false, and reads nothing.
 class TReading {
 public:
     TReading() noexcept = default;
-    TReading(TDescriptor descriptor, uint64_t size) noexcept
+    TReading(TDescriptor descriptor, uint64_t size)
+        : TReading(std::make_shared<const TDescriptor>(std::move(descriptor)), size) {}
+    TReading(std::shared_ptr<const TDescriptor> descriptor, uint64_t size) noexcept
         : descriptor_(std::move(descriptor)), size_(size), open_(true) {}
     TReading(TBytes memory, std::shared_ptr<const void> owner) noexcept
         : memory_(memory), owner_(std::move(owner)), size_(memory.size()), open_(true) {}
@@ -93,7 +47,7 @@ public:
     TBuffer CopyAttribute(const char *name, size_t limit) const;
 
 private:
-    TDescriptor descriptor_;
+    std::shared_ptr<const TDescriptor> descriptor_; // null: the bytes lie in memory
     TBytes memory_;
     std::shared_ptr<const void> owner_;
     uint64_t size_ = 0;

@@ -13,6 +13,7 @@
 #include <vellum/values.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -83,19 +84,21 @@ Ref<const ValString> GxFontCopyName(const GxFont *font, GxNameKey key) noexcept;
 
 // The name-table entry for a key in one language (a canonical BCP 47 identifier), or null.
 Ref<const ValString> GxFontCopyLocalizedName(const GxFont *font, GxNameKey key,
-                                             const ValString *language) noexcept;
+                                             std::string_view language) noexcept;
 
 // The languages that the name table lists, in the order of its records, each once: canonical BCP 47
 // identifiers without the language's principal region ("en", "en-GB", "zh-Hans"), the empty string
 // for records of no language. Null without a name table.
 Ref<const ValArray> GxFontCopyNameLanguages(const GxFont *font) noexcept;
 
-// The bytes of a table, or null. Bytes that the file no longer holds are missing from the end.
-Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag) noexcept;
+// The bytes of a table, at most `limit` of them, or null. Bytes that the file no longer holds are
+// missing from the end.
+Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag, size_t limit = SIZE_MAX) noexcept;
 
-// Several tables in one round of reading: tables[i] becomes that of tags[i], or null.
-void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags,
-                      std::span<Ref<const ValData>> tables) noexcept;
+// Several tables in one round of reading: tables[i] becomes that of tags[i], at most `limit` bytes of
+// it, or null.
+void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags, std::span<Ref<const ValData>> tables,
+                      size_t limit = SIZE_MAX) noexcept;
 
 // The tags of the face's tables in the order of the file's directory, without those that begin past
 // the file's end; empty for fonts without a directory. The span lives as long as the font.
@@ -118,5 +121,34 @@ bool GxFontIsInstance(const GxFont *font) noexcept;
 double GxFontGetItalicAngle(const GxFont *font) noexcept;
 bool GxFontIsFixedPitch(const GxFont *font) noexcept;
 bool GxFontIsBitmapOnly(const GxFont *font) noexcept;
+
+// While one of these lives, what this thread asks is one round of reading: a file is opened when something
+// is first read of it, and stays open for what follows, until another file is read or the round ends. They
+// may be nested. A descriptor is held meanwhile: make one for a few questions about a font, and let it go.
+class GxFontRound {
+public:
+    GxFontRound() noexcept;
+    ~GxFontRound();
+    GxFontRound(const GxFontRound &) = delete;
+    GxFontRound &operator=(const GxFontRound &) = delete;
+};
+
+// How often reading fonts has failed on this thread: memory was exhausted, or a file could not be opened
+// or was no longer what it was. What was derived while the number moved may lack something.
+uint32_t GxFontCountReadFailures() noexcept;
+
+// What the floors above derive from a font and keep with it.
+class GxFontCompanion {
+public:
+    GxFontCompanion() = default;
+    GxFontCompanion(const GxFontCompanion &) = delete;
+    GxFontCompanion &operator=(const GxFontCompanion &) = delete;
+    virtual ~GxFontCompanion() = default;
+};
+
+// The companion of a font, made by the first call and destroyed with the font; every caller gives the
+// same function. Null for a null font, and when memory is exhausted.
+GxFontCompanion *GxFontGetCompanion(const GxFont *font,
+                                    std::unique_ptr<GxFontCompanion> (*make)()) noexcept;
 
 } // namespace vellum

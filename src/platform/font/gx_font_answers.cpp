@@ -61,27 +61,25 @@ Ref<const ValString> GxFontCopyName(const GxFont *font, GxNameKey key) noexcept 
 }
 
 Ref<const ValString> GxFontCopyLocalizedName(const GxFont *font, GxNameKey key,
-                                             const ValString *language) noexcept {
-    return Ask(font, [&](const TFace &face) {
-        return language ? face.CopyLocalizedName(key, Text(language)) : Ref<const ValString>();
-    });
+                                             std::string_view language) noexcept {
+    return Ask(font, [&](const TFace &face) { return face.CopyLocalizedName(key, language); });
 }
 
 Ref<const ValArray> GxFontCopyNameLanguages(const GxFont *font) noexcept {
     return Ask(font, [](const TFace &face) { return face.CopyNameLanguages(); });
 }
 
-Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag) noexcept {
+Ref<const ValData> GxFontCopyTable(const GxFont *font, GxTag tag, size_t limit) noexcept {
     Ref<const ValData> table;
-    GxFontCopyTables(font, {&tag, 1}, {&table, 1});
+    GxFontCopyTables(font, {&tag, 1}, {&table, 1}, limit);
     return table;
 }
 
-void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags,
-                      std::span<Ref<const ValData>> tables) noexcept {
+void GxFontCopyTables(const GxFont *font, std::span<const GxTag> tags, std::span<Ref<const ValData>> tables,
+                      size_t limit) noexcept {
     for (auto &table : tables) table = nullptr;
     Ask(font, [&](const TFace &face) {
-        face.CopyTables(tags, tables);
+        face.CopyTables(tags, tables, limit);
         return true;
     });
 }
@@ -92,7 +90,9 @@ std::span<const GxTag> GxFontGetTableTags(const GxFont *font) noexcept {
 
 Ref<const ValCharacterSet> GxFontCopyCharacterSet(const GxFont *font) noexcept {
     auto coverage = Ask(font, [](const TFace &face) { return face.CopyCharacterSet(); });
-    return coverage ? coverage : Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
+    if (coverage) return coverage;
+    ++tReadFailures;
+    return Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
 }
 
 std::span<const GxAxis> GxFontGetVariationAxes(const GxFont *font) noexcept {
@@ -122,6 +122,22 @@ bool GxFontIsFixedPitch(const GxFont *font) noexcept {
 
 bool GxFontIsBitmapOnly(const GxFont *font) noexcept {
     return Ask(font, [](const TFace &face) { return face.IsBitmapOnly(); });
+}
+
+uint32_t GxFontCountReadFailures() noexcept {
+    return tReadFailures;
+}
+
+// Of two threads that make one at a time, the second takes the first one's.
+GxFontCompanion *GxFontGetCompanion(const GxFont *font,
+                                    std::unique_ptr<GxFontCompanion> (*make)()) noexcept {
+    if (!font) return nullptr;
+    if (auto *known = font->companion.load(std::memory_order_acquire)) return known;
+    auto fresh = Guarded(make);
+    GxFontCompanion *current = nullptr;
+    if (fresh && font->companion.compare_exchange_strong(current, fresh.get(), std::memory_order_acq_rel))
+        return fresh.release();
+    return current;
 }
 
 } // namespace vellum

@@ -18,8 +18,9 @@ public:
     Ref<const ValString> CopyName(GxNameKey key) const override;
     Ref<const ValString> CopyLocalizedName(GxNameKey key, std::string_view language) const override;
     Ref<const ValArray> CopyNameLanguages() const override { return face_->CopyNameLanguages(); }
-    void CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables) const override {
-        face_->CopyTables(tags, tables);
+    void CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables,
+                    size_t limit) const override {
+        face_->CopyTables(tags, tables, limit);
     }
     std::span<const GxTag> TableTags() const override { return face_->TableTags(); }
     Ref<const ValCharacterSet> CopyCharacterSet() const override { return face_->CopyCharacterSet(); }

@@ -42,7 +42,7 @@ constexpr TLanguageRow kWindowsLanguages[] = {
     {0x047A, "arn"},     {0x047C, "moh"},        {0x047E, "br"},         {0x0480, "ug"},
     {0x0481, "mi"},      {0x0482, "oc"},         {0x0483, "co"},         {0x0484, "gsw"},
     {0x0485, "sah"},     {0x0486, "quc"},        {0x0487, "rw"},         {0x0488, "wo"},
-    {0x048C, "prs"},     {0x0801, "ar-IQ"},      {0x0804, "zh-Hans"},    {0x0807, "de-CH"},
+    {0x048C, "fa-AF"},   {0x0801, "ar-IQ"},      {0x0804, "zh-Hans"},    {0x0807, "de-CH"},
     {0x0809, "en-GB"},   {0x080A, "es-MX"},      {0x080C, "fr-BE"},      {0x0810, "it-CH"},
     {0x0813, "nl-BE"},   {0x0814, "nn"},         {0x0816, "pt-PT"},      {0x081A, "sr-Latn"},
     {0x081D, "sv-FI"},   {0x082C, "az-Cyrl"},    {0x082E, "dsb"},        {0x083B, "se-SE"},
@@ -56,7 +56,7 @@ constexpr TLanguageRow kWindowsLanguages[] = {
     {0x1409, "en-NZ"},   {0x140A, "es-CR"},      {0x140C, "fr-LU"},      {0x141A, "bs"},
     {0x143B, "smj"},     {0x1801, "ary"},        {0x1809, "en-IE"},      {0x180A, "es-PA"},
     {0x180C, "fr-MC"},   {0x181A, "sr-Latn-BA"}, {0x183B, "sma-NO"},     {0x1C01, "aeb"},
-    {0x1C09, "en-ZA"},   {0x1C0A, "es-DO"},      {0x1C1A, "sr-Cyrl-BA"}, {0x1C3B, "sma"},
+    {0x1C09, "en-ZA"},   {0x1C0A, "es-DO"},      {0x1C1A, "sr-BA"},      {0x1C3B, "sma"},
     {0x2001, "ar-OM"},   {0x2009, "en-JM"},      {0x200A, "es-VE"},      {0x201A, "bs-Cyrl"},
     {0x203B, "sms"},     {0x2401, "ar-YE"},      {0x2409, "en-029"},     {0x240A, "es-CO"},
     {0x243B, "smn"},     {0x2801, "ar-SY"},      {0x2809, "en-BZ"},      {0x280A, "es-PE"},
@@ -105,23 +105,6 @@ std::string_view Find(const TLanguageRow (&rows)[kCount], uint16_t number) noexc
     return found != std::end(rows) && found->number == number ? found->tag : std::string_view();
 }
 
-constexpr char Lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-constexpr char Upper(char c) noexcept {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-}
-
-// The language itself is lower case, a script has a capital, a region is upper case.
-std::string CanonicalSubtag(std::string_view subtag, bool first, bool private_use) {
-    std::string text(subtag.size(), ' ');
-    std::transform(subtag.begin(), subtag.end(), text.begin(), Lower);
-    if (first || private_use) return text;
-    if (text.size() == 2) std::transform(text.begin(), text.end(), text.begin(), Upper);
-    if (text.size() == 4 && text[0] >= 'a') text[0] = Upper(text[0]);
-    return text;
-}
-
 } // namespace
 
 std::string_view LanguageOfWindowsNumber(uint16_t number) noexcept {
@@ -130,21 +113,6 @@ std::string_view LanguageOfWindowsNumber(uint16_t number) noexcept {
 
 std::string_view LanguageOfMacintoshNumber(uint16_t number) noexcept {
     return Find(kMacintoshLanguages, number);
-}
-
-std::string CanonicalLanguageTag(std::string_view tag) {
-    std::string canonical;
-    bool private_use = false;
-    while (!tag.empty()) {
-        const size_t end = std::min(tag.find_first_of("-_"), tag.size());
-        const std::string_view subtag = tag.substr(0, end);
-        const bool first = canonical.empty();
-        if (!first) canonical += '-';
-        canonical += CanonicalSubtag(subtag, first, private_use);
-        private_use = private_use || subtag.size() == 1;
-        tag.remove_prefix(std::min(end + 1, tag.size()));
-    }
-    return canonical;
 }
 
 } // namespace vellum

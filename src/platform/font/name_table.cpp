@@ -5,6 +5,7 @@
 #include "platform/font/limits.hpp"
 #include "platform/font/name_decoding.hpp"
 #include "platform/font/name_language.hpp"
+#include "platform/locale/locale_names.hpp"
 
 #include <algorithm>
 #include <optional>
@@ -39,15 +40,17 @@ TNameTable::TNameTable(TBytes table, std::span<const uint16_t> more) : present_(
     if (ReadU16(table, 0) == 1) ReadTags(table, kHeaderSize + claimed * kRecordSize, text);
     for (size_t i = 0; i < count; ++i) {
         const TBytes record = table.subspan(kHeaderSize + i * kRecordSize, kRecordSize);
-        AddLanguage(ReadU16(record, 0), ReadU16(record, 4));
+        const uint16_t place = AddLanguage(ReadU16(record, 0), ReadU16(record, 4));
         if (!IsAsked(ReadU16(record, 6), more)) continue;
         const TBytes bytes = Slice(text, ReadU16(record, 10), ReadU16(record, 8));
-        AddRecord({ReadU16(record, 0), ReadU16(record, 2), ReadU16(record, 4), ReadU16(record, 6), 0, 0},
-                  bytes);
+        AddRecord(
+            {ReadU16(record, 0), ReadU16(record, 2), ReadU16(record, 4), ReadU16(record, 6), place, 0, 0},
+            bytes);
     }
     // There may be thousands of these.
     records_.shrink_to_fit();
     text_.shrink_to_fit();
+    languages_.shrink_to_fit();
 }
 
 void TNameTable::ReadTags(TBytes table, size_t at, TBytes text) {
@@ -57,13 +60,17 @@ void TNameTable::ReadTags(TBytes table, size_t at, TBytes text) {
         const TBytes bytes = Slice(text, ReadU16(record, 2), ReadU16(record, 0));
         const auto tag = DecodeName(kUnicode, 0, bytes);
         const char *characters = ValStringGetUTF8(tag.Get(), nullptr);
-        tags_.push_back(characters ? CanonicalLanguageTag(characters) : std::string());
+        tags_.push_back(characters ? CanonicalLanguageIdentifier(characters) : std::string());
     }
 }
 
-void TNameTable::AddLanguage(uint16_t platform, uint16_t language) {
+// The place of the number among the languages.
+uint16_t TNameTable::AddLanguage(uint16_t platform, uint16_t language) {
     const uint32_t key = static_cast<uint32_t>(platform) << 16 | language;
-    if (std::find(languages_.begin(), languages_.end(), key) == languages_.end()) languages_.push_back(key);
+    const auto place = std::ranges::find(languages_, key, &TLanguage::key) - languages_.begin();
+    if (static_cast<size_t>(place) == languages_.size())
+        languages_.push_back({key, LanguageOf(platform, language)});
+    return static_cast<uint16_t>(place);
 }
 
 // A record of an absurd length is no name; UTF-16 takes at most twice what UTF-8 takes.
@@ -78,7 +85,7 @@ void TNameTable::AddRecord(TRecord record, TBytes text) {
 
 // Without data for a language that is not known; empty, but with data, for records of no language.
 std::string_view TNameTable::LanguageOf(uint16_t platform, uint16_t language) const {
-    if (language >= kFirstTag && platform != kMacintosh) {
+    if (language >= kFirstTag) {
         const size_t index = language - kFirstTag;
         if (index < tags_.size() && !tags_[index].empty()) return tags_[index];
     }
@@ -114,22 +121,17 @@ Ref<const ValString> TNameTable::Copy(uint16_t name) const {
 
 Ref<const ValString> TNameTable::CopyInLanguage(uint16_t name, std::string_view language) const {
     for (const TRecord &record : records_) {
-        if (record.name != name || !HasLanguage(record, language)) continue;
+        if (record.name != name) continue;
+        const std::string_view own = languages_[record.language_place].tag;
+        if (!own.data() || own != language) continue;
         if (auto text = Decode(record)) return text;
     }
     return nullptr;
 }
 
-bool TNameTable::HasLanguage(const TRecord &record, std::string_view language) const {
-    const std::string_view own = LanguageOf(record.platform, record.language);
-    return own.data() && own == language;
-}
-
 Ref<const ValArray> TNameTable::CopyLanguages() const {
     auto array = Adopt(ValArrayCreateMutable(languages_.size(), nullptr));
-    for (const uint32_t key : languages_) {
-        const std::string_view tag =
-            LanguageOf(static_cast<uint16_t>(key >> 16), static_cast<uint16_t>(key));
+    for (const auto &[key, tag] : languages_) {
         if (!tag.data()) continue;
         const auto text = Adopt(ValStringCreateWithUTF8(tag.data(), tag.size()));
         if (!ValArrayContains(array.Get(), text.Get())) ValArrayAppend(array.Get(), text.Get());

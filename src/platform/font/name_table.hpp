@@ -39,22 +39,28 @@ private:
         uint16_t encoding;
         uint16_t language;
         uint16_t name;
-        uint32_t offset; // in text_
+        uint16_t language_place; // in languages_
+        uint32_t offset;         // in text_
         uint32_t length;
     };
 
+    // A language in which there are records. Different numbers may stand for one.
+    struct TLanguage {
+        uint32_t key;         // platform << 16 | number
+        std::string_view tag; // without data where the number names no known language
+    };
+
     void ReadTags(TBytes table, size_t at, TBytes text);
-    void AddLanguage(uint16_t platform, uint16_t language);
+    uint16_t AddLanguage(uint16_t platform, uint16_t language);
     void AddRecord(TRecord record, TBytes text);
-    bool HasLanguage(const TRecord &record, std::string_view language) const;
     std::string_view LanguageOf(uint16_t platform, uint16_t language) const;
     int Rank(const TRecord &record) const;
     Ref<const ValString> Decode(const TRecord &record) const;
 
     std::vector<TRecord> records_;
     std::vector<uint8_t> text_;
-    std::vector<uint32_t> languages_; // platform << 16 | language number, in order of appearance
-    std::vector<std::string> tags_;   // of language numbers from 0x8000
+    std::vector<TLanguage> languages_; // in order of appearance
+    std::vector<std::string> tags_;    // of language numbers from 0x8000; complete before there are views
     bool present_ = false;
 };
 

@@ -3,15 +3,13 @@
 #include "platform/font/resource_fork.hpp"
 
 #include "platform/font/gx_font.hpp"
+#include "platform/fs/file_fork.hpp"
 
 #include <algorithm>
 #include <vector>
 
 namespace vellum {
 namespace {
-
-constexpr char kForkAttribute[] = "user.ResourceFork";
-constexpr char kForkFolder[] = ".rsrc/";
 
 constexpr size_t kForkBytes = 16u << 20;
 constexpr size_t kHeaderSize = 16;
@@ -23,11 +21,6 @@ constexpr size_t kTypeSize = 8;
 
 constexpr GxTag kSuitcaseTypes[] = {MakeTag("FOND"), MakeTag("sfnt"), MakeTag("NFNT"), MakeTag("FONT")};
 constexpr GxTag kOutlineType = MakeTag("POST");
-
-std::string ForkFileOf(const std::string &path) {
-    const size_t name = path.rfind('/') + 1;
-    return path.substr(0, name) + kForkFolder + path.substr(name);
-}
 
 // The fork as a round of reading of its own; false without one.
 class TFork {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The second fork of files that come from systems that have one: on Linux the extended attribute
-// user.ResourceFork, else the file .rsrc/NAME beside it.
+// What is in the second fork of files that come from systems that have one; platform/fs/file_fork.hpp
+// says where it lies.
 #pragma once
 
 #include "platform/font/font_source.hpp"

@@ -25,13 +25,13 @@ Ref<const ValString> TagText(GxTag tag) {
     return Adopt(ValStringCreateWithBytes(text, sizeof text, kValStringEncodingLatin1));
 }
 
-// Whatever bytes there are of a stretch, as data of their own.
-Ref<const ValData> CopyData(const TReading &reading, TStretch stretch) {
-    if (stretch.length == 0) return Adopt(ValDataCreate("", 0));
-    std::unique_ptr<void, decltype(&std::free)> bytes(std::malloc(stretch.length), std::free);
-    if (!bytes) return nullptr;
-    const size_t length =
-        reading.Read(stretch.offset, {static_cast<uint8_t *>(bytes.get()), stretch.length});
+// Whatever bytes there are of a stretch, up to a limit, as data of their own.
+Ref<const ValData> CopyData(const TReading &reading, TStretch stretch, size_t limit) {
+    const size_t wanted = std::min<size_t>(stretch.length, limit);
+    if (wanted == 0) return Adopt(ValDataCreate("", 0));
+    std::unique_ptr<void, decltype(&std::free)> bytes(std::malloc(wanted), std::free);
+    if (!bytes) throw std::bad_alloc();
+    const size_t length = reading.Read(stretch.offset, {static_cast<uint8_t *>(bytes.get()), wanted});
     auto data = Adopt(ValDataCreateWithBytesNoCopy(bytes.get(), length, std::free, bytes.get()));
     if (data) static_cast<void>(bytes.release());
     return data;
@@ -72,14 +72,15 @@ Ref<const ValArray> TSfntFace::CopyNameLanguages() const {
     return parts_.names->CopyLanguages();
 }
 
-void TSfntFace::CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables) const {
+void TSfntFace::CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables,
+                           size_t limit) const {
     TReading reading;
     for (size_t i = 0; i < tags.size() && i < tables.size(); ++i) {
         const auto stretch = parts_.directory.Find(tags[i]);
         if (!stretch) continue;
         if (!reading) reading = parts_.source->Open();
         if (!reading) return;
-        tables[i] = CopyData(reading, *stretch);
+        tables[i] = CopyData(reading, *stretch, limit);
     }
 }
 

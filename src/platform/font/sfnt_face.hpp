@@ -30,7 +30,8 @@ public:
     Ref<const ValString> CopyName(GxNameKey key) const override;
     Ref<const ValString> CopyLocalizedName(GxNameKey key, std::string_view language) const override;
     Ref<const ValArray> CopyNameLanguages() const override;
-    void CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables) const override;
+    void CopyTables(std::span<const GxTag> tags, std::span<Ref<const ValData>> tables,
+                    size_t limit) const override;
     std::span<const GxTag> TableTags() const override { return parts_.directory.Tags(); }
     Ref<const ValCharacterSet> CopyCharacterSet() const override;
     std::span<const GxAxis> Axes() const override { return axes_; }

@@ -23,6 +23,11 @@ bool IsFolder(std::string_view path) {
     return ::lstat(std::string(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool LeadsToFolder(const char *path) noexcept {
+    struct stat status;
+    return ::stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 std::string RealFolderPath(const std::string &path) {
     const std::unique_ptr<char, FreePath> real(::realpath(path.c_str(), nullptr));
     return real && IsFolder(real.get()) ? real.get() : std::string();

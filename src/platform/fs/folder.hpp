@@ -11,6 +11,9 @@ namespace vellum {
 // without. May throw std::bad_alloc.
 bool IsFolder(std::string_view path);
 
+// True when `path` leads to a folder, through symbolic links or not.
+bool LeadsToFolder(const char *path) noexcept;
+
 // The absolute path of a folder, with no symbolic link in it; empty when there is no such folder. May
 // throw std::bad_alloc.
 std::string RealFolderPath(const std::string &path);

@@ -28,6 +28,13 @@ bool IsEmpty(const CharacterPage &page) noexcept {
     return std::ranges::all_of(page, [](uint64_t word) { return word == 0; });
 }
 
+// Every word is looked at: a page is no longer than what a branch that is guessed wrong costs.
+bool CoversPage(const CharacterPage &ours, const CharacterPage &theirs) noexcept {
+    uint64_t excess = 0;
+    for (size_t i = 0; i < ours.size(); ++i) excess |= theirs[i] & ~ours[i];
+    return excess == 0;
+}
+
 bool HasPage(const PageBitmap &presence, uint32_t page) noexcept {
     return presence[page / 64] >> (page % 64) & 1;
 }
@@ -154,6 +161,18 @@ ValCharacterSet *AllocateCharacterSet(const PageBitmap &presence) noexcept {
     return set;
 }
 
+void TPageCollector::BeginPage(uint32_t page) {
+    page_ = page;
+    pages_.emplace_back();
+    presence_[page / 64] |= uint64_t{1} << (page % 64);
+}
+
+Ref<const ValCharacterSet> TPageCollector::MakeSet() const noexcept {
+    ValCharacterSet *set = AllocateCharacterSet(presence_);
+    if (set) std::ranges::copy(pages_, set->pages);
+    return Ref<const ValCharacterSet>::Adopt(set);
+}
+
 } // namespace vellum
 
 using namespace vellum;
@@ -201,13 +220,16 @@ bool ValCharacterSetHasMemberInPlane(const ValCharacterSet *set, uint32_t plane)
 bool ValCharacterSetIsSuperset(const ValCharacterSet *set, const ValCharacterSet *other) noexcept {
     if (set == other || !other) return true;
     if (!set) return other->page_count == 0;
-    for (size_t i = 0; i < other->presence.size(); ++i) {
-        if (other->presence[i] & ~set->presence[i]) return false;
-    }
-    for (uint32_t page = 0, at = 0; at < other->page_count; ++page) {
-        if (!HasPage(other->presence, page)) continue;
-        auto excess = [](uint64_t theirs, uint64_t ours) { return (theirs & ~ours) == 0; };
-        if (!std::ranges::equal(other->pages[at++], *FindPage(*set, page), excess)) return false;
+    for (size_t word = 0, at = 0; at < other->page_count; ++word) {
+        uint64_t theirs = other->presence[word];
+        uint64_t ours = set->presence[word];
+        if (theirs & ~ours) return false;
+        for (const CharacterPage *page = set->pages + set->rank[word]; theirs; theirs &= theirs - 1) {
+            const uint64_t below = (theirs - 1) & ~theirs;
+            page += CountBits(ours & below);
+            ours &= ~below; // the pages from this one on
+            if (!CoversPage(*page, other->pages[at++])) return false;
+        }
     }
     return true;
 }

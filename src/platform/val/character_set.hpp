@@ -15,6 +15,7 @@
 #include <bit>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace vellum {
 
@@ -92,6 +93,33 @@ Ref<const ValCharacterSet> MakeCharacterSet(Next next) noexcept {
     });
     return Ref<const ValCharacterSet>::Adopt(set);
 }
+
+// A set from its members in ascending order.
+class TPageCollector {
+public:
+    // Adds up to 64 neighbours. Throws std::bad_alloc. Code points above U+10FFFF are left out.
+    void AddRange(uint32_t first, uint32_t last) {
+        if (first >= kCodePointCount) return;
+        const uint64_t bits = ~uint64_t{0} >> (63 - (last - first));
+        Word(first) |= bits << (first % 64);
+        if (last / 64 != first / 64 && last < kCodePointCount) Word(last) |= bits >> (64 - first % 64);
+    }
+
+    // Null when memory is exhausted.
+    Ref<const ValCharacterSet> MakeSet() const noexcept;
+
+private:
+    uint64_t &Word(uint32_t code_point) {
+        if (code_point / kPageBits != page_) BeginPage(code_point / kPageBits);
+        return pages_.back()[code_point % kPageBits / 64];
+    }
+
+    void BeginPage(uint32_t page);
+
+    uint32_t page_ = kPageCount; // the one whose members are being added; at first none
+    std::vector<CharacterPage> pages_;
+    PageBitmap presence_{};
+};
 
 // Whether bytes are a whole bitmap form, with all of its first plane: what WriteBitmap may have written.
 bool IsBitmap(std::string_view bytes) noexcept;

@@ -36,7 +36,7 @@ void TextBuffer::Append(const TextBuffer &other) noexcept {
     Append(other.View());
 }
 
-void TextBuffer::AppendCharacter(char32_t c) noexcept {
+void TextBuffer::AppendEncoded(char32_t c) noexcept {
     char encoded[4];
     Append({encoded, EncodeCharacter(c, encoded)});
 }

@@ -17,7 +17,12 @@ public:
     void Append(std::string_view bytes) noexcept;
     void Append(const TextBuffer &other) noexcept;
     void AppendByte(char byte) noexcept { Append({&byte, 1}); }
-    void AppendCharacter(char32_t c) noexcept;
+    void AppendCharacter(char32_t c) noexcept {
+        if (c < 0x80 && length_ < capacity_)
+            bytes_[length_++] = static_cast<char>(c);
+        else
+            AppendEncoded(c);
+    }
 
     // Cuts the text to its first `length` bytes.
     void Truncate(size_t length) noexcept { length_ = length < length_ ? length : length_; }
@@ -35,6 +40,7 @@ public:
     Ref<const ValString> MakeString() const noexcept;
 
 private:
+    void AppendEncoded(char32_t c) noexcept;
     bool Grow(size_t more) noexcept;
 
     char in_place_[200];

@@ -64,7 +64,7 @@ std::string Name(const GxFont *font, GxNameKey key) {
 }
 
 std::string LocalizedName(const GxFont *font, GxNameKey key, std::string_view language) {
-    return Str(GxFontCopyLocalizedName(font, key, Val(language).Get()));
+    return Str(GxFontCopyLocalizedName(font, key, language));
 }
 
 std::vector<std::string> Languages(const GxFont *font) {

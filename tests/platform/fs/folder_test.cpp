@@ -32,6 +32,19 @@ TEST(IsFolder, FollowsNoLinkAtTheEndOfThePath) {
     EXPECT_TRUE(IsFolder(folder.File("link/inside")));
 }
 
+TEST(LeadsToFolder, FollowsLinks) {
+    const TempDir folder;
+    const std::string file = folder.Write("folder/file", "");
+    fs::create_directory_symlink("folder", folder.File("link"));
+    fs::create_symlink("folder/file", folder.File("file-link"));
+    EXPECT_TRUE(LeadsToFolder(folder.File("folder").c_str()));
+    EXPECT_TRUE(LeadsToFolder(folder.File("link/").c_str()));
+    EXPECT_FALSE(LeadsToFolder(file.c_str()));
+    EXPECT_FALSE(LeadsToFolder(folder.File("file-link").c_str()));
+    EXPECT_FALSE(LeadsToFolder(folder.File("none").c_str()));
+    EXPECT_FALSE(LeadsToFolder(""));
+}
+
 TEST(RealFolderPath, HasNoLinksAndNoDetours) {
     const TempDir folder;
     const std::string real = fs::canonical(folder.MakeFolder("folder/inside"));
