@@ -45,13 +45,19 @@ enum {
 typedef uint32_t VLActivationOptions;
 enum { kVLActivationNotFromProviders = 0x10000, kVLActivationNotFromSearch = 0x20000 };
 
-/* Flags of a font file, given when it is registered. Bits. */
+/* Flags of a font file, given when it is registered, and of a face, as its property says. Bits. */
 typedef uint32_t VLFontFlags;
 enum {
     kVLFontFlagSystem = 0x8,         /* one of the system's fonts */
+    kVLFontFlagCritical = 0x10,      /* much of the system depends on it; of the system's fonts alone */
+    kVLFontFlagSuperCritical = 0x20, /* all of the system depends on it; of critical fonts alone */
+    kVLFontFlagHidden = 0x40,        /* not for people to choose */
+    kVLFontFlagUserInterface = 0x80, /* what the system's own interface is set in */
     kVLFontFlagCopyToStable = 0x100, /* copy the file to stable storage first */
     kVLFontFlagLocalVolume = 0x200,
-    kVLFontFlagRootVolume = 0x400
+    kVLFontFlagRootVolume = 0x400,
+    kVLFontFlagLastResort = 0x1000, /* draws what no other font has */
+    kVLFontFlagKeyboard = 0x2000    /* draws keyboards */
 };
 
 /* ---- property keys --------------------------------------------------------------------------- */
@@ -182,8 +188,9 @@ VL_EXPORT const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, con
                                                       VLScope scope) VL_NOEXCEPT;
 
 /*
- * What describes a font for registration: nineteen of its properties. `useFontInfo` takes them from
- * a prepared side file where there is one.
+ * What describes a font for registration: those of nineteen properties that it has, of the face that the
+ * URL names, or of the file's first. It need not be registered. `useFontInfo` takes them from a font-info
+ * file where there is one for the file as it is.
  */
 VL_EXPORT const ValDictionary *VLCopyRegistrationInfoForFont(const ValURL *font,
                                                              bool useFontInfo) VL_NOEXCEPT;
@@ -353,6 +360,37 @@ VL_EXPORT const ValString *VLCopyTypeIdentifier(const ValURL *file) VL_NOEXCEPT;
  * font without such tables. Nothing is registered.
  */
 VL_EXPORT const ValArray *VLCopyTableTagsForFont(const ValURL *font) VL_NOEXCEPT;
+
+/*
+ * Every name of one kind that the face which a URL names goes by, and can be found by: an array of
+ * ValStrings, the preferred ones first. `key` is one of the keys of names, from kVLFontPropertyName to
+ * kVLFontPropertyCopyrightName; null for another, and when there is no such face or name. Nothing is
+ * registered.
+ */
+VL_EXPORT const ValArray *VLCopyNamesForFont(const ValURL *font, const ValString *key) VL_NOEXCEPT;
+
+/*
+ * A font-info file for a font file: the properties of all of its faces, computed now so that nobody has to
+ * compute them again. Returns its content, and in *name (an owned ValString; set on success only) the name
+ * under which it is looked for in the folder FontInfo of the framework's resources. Null when the file is
+ * no font. Nothing is registered.
+ */
+VL_EXPORT const ValData *VLCreateFontInfoForFontFile(const ValURL *file,
+                                                     const ValString **name) VL_NOEXCEPT;
+
+/* ---- languages ------------------------------------------------------------------------------- */
+
+/*
+ * The languages of which it is known what characters they are written with: an array of canonical
+ * identifiers (BCP 47, without the language's principal region), sorted.
+ */
+VL_EXPORT const ValArray *VLCopyExemplarLanguages(void) VL_NOEXCEPT;
+
+/*
+ * The characters that a language is written with, by the locale database that the library was built with.
+ * Any spelling of the language will do, "ja_JP.UTF-8" too. Null when they are not known.
+ */
+VL_EXPORT const ValCharacterSet *VLCopyExemplarCharacterSet(const ValString *language) VL_NOEXCEPT;
 
 #ifdef __cplusplus
 } /* extern "C" */

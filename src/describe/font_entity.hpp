@@ -21,6 +21,9 @@ public:
     // The values for a set of keys, those that are there: a dictionary, possibly empty.
     virtual Ref<const ValDictionary> CopyProperties(const ValSet *keys, bool all) const;
 
+    // The values that describe a face to a register, those that are there: what font-info files hold.
+    Ref<const ValDictionary> CopyRegistrationProperties() const;
+
     // True when the face fits every parameter of a URL's (decoded) fragment that selects anything.
     virtual bool MatchesFragment(const ValString *fragment) const;
 

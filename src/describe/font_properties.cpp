@@ -53,4 +53,9 @@ PropertyID TFontProperties::GetPropertyID(const ValString *key) {
     return PropertyID::kUnknown;
 }
 
+bool TFontProperties::IsNameKey(const ValString *key) {
+    const PropertyID id = GetPropertyID(key);
+    return id >= PropertyID::kName && id <= PropertyID::kCopyrightName;
+}
+
 } // namespace vellum

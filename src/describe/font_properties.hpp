@@ -47,6 +47,9 @@ class TFontProperties {
 public:
     // The identifier of a key, found by identity, else by equality. Unknown for any other key.
     static PropertyID GetPropertyID(const ValString *key);
+
+    // Whether a key is one of the six names of a face, of which there may be several of each kind.
+    static bool IsNameKey(const ValString *key);
 };
 
 } // namespace vellum

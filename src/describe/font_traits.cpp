@@ -167,9 +167,11 @@ private:
     }
 
     void AskTables() {
+        const GxFontRound round;
         constexpr std::array kTags = {MakeTag("OS/2"), MakeTag("hhea"), MakeTag("post"), MakeTag("head")};
+        constexpr size_t kMuchMoreThanFields = 128; // "post" has all names of glyphs behind them
         std::array<Ref<const ValData>, kTags.size()> tables;
-        GxFontCopyTables(font_, kTags, tables);
+        GxFontCopyTables(font_, kTags, tables, kMuchMoreThanFields);
         if (GxFontIsInstance(font_)) AskInstance();
         AskOS2(OS2Table(std::move(tables[0])));
         if (tables[1]) AskHhea(hheaTable(std::move(tables[1])));
@@ -206,11 +208,20 @@ private:
         if (!slant) slant = table.GetItalicAngle();
         if (fixed_pitch) return;
         const uint16_t metrics = table.GetMetricsCount();
-        if (metrics <= 1) {
+        if (metrics <= 1)
             fixed_pitch = true;
-        } else if (auto hmtx = GxFontCopyTable(font_, MakeTag("hmtx"))) {
-            fixed_pitch = hmtxTable(std::move(hmtx), metrics).IsFixedPitch();
-        }
+        else
+            AskHmtx(metrics);
+    }
+
+    // Two different widths are mostly found among the first.
+    void AskHmtx(uint16_t metrics) noexcept {
+        constexpr size_t kFirst = 512;
+        auto hmtx = GxFontCopyTable(font_, MakeTag("hmtx"), kFirst);
+        if (!hmtx) return;
+        fixed_pitch = hmtxTable(std::move(hmtx), metrics).IsFixedPitch();
+        if (*fixed_pitch)
+            fixed_pitch = hmtxTable(GxFontCopyTable(font_, MakeTag("hmtx")), metrics).IsFixedPitch();
     }
 
     void AskPost(const postTable &table) noexcept {

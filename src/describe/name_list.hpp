@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A list of distinct interned names in the order in which they were added.
+// A list of interned names in the order in which they were added.
 #pragma once
 
 #include "values/string_uniquer.hpp"
@@ -13,6 +13,14 @@ public:
     void Add(Ref<const ValString> name) {
         const auto unique = TValStringUniquer().GetUniqueString(name.Get());
         if (unique && !names_.ContainsIdentical(unique.Get())) names_.Append(unique.Get());
+    }
+
+    // An alias, or an array of them, whether the list holds them already or not; what is no string is
+    // passed over.
+    void AddAliases(const void *aliases) {
+        if (const auto *alias = Cast<ValString>(aliases))
+            names_.Append(TValStringUniquer().GetUniqueString(alias).Get());
+        for (const void *alias : Elements(Cast<ValArray>(aliases))) AddAliases(Cast<ValString>(alias));
     }
 
     bool IsEmpty() const noexcept { return names_.IsEmpty(); }

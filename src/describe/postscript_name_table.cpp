@@ -62,7 +62,9 @@ Ref<const ValString> CopyNameTablePostScriptName(const GxFont *font) {
         if (!encoding) continue;
         const auto bytes = table.Slice(storage + record.offset, record.length);
         auto name = Adopt(ValStringCreateWithBytes(bytes.data(), bytes.size(), *encoding));
-        if (name && ValStringGetUTF16Length(name.Get()) > 0) return name;
+        // Scripts of the Macintosh that nobody here can decode are not understood either.
+        if (!name && record.platform == 1) continue;
+        return ValStringGetUTF16Length(name.Get()) > 0 ? name : nullptr;
     }
     return nullptr;
 }

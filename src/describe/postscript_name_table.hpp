@@ -6,9 +6,9 @@
 
 namespace vellum {
 
-// The first record with name identifier 6, in file order, whose platform and encoding are
-// understood and whose bytes fit them; null without one. Unlike the parser's choice it prefers no
-// language, so that a font is also found under a name that only other systems give it.
+// What the first record with name identifier 6 says, in file order, whose platform and encoding are
+// understood; null without one, and when its bytes do not fit them. Unlike the parser's choice it prefers
+// no language, so that a font is also found under a name that only other systems give it.
 Ref<const ValString> CopyNameTablePostScriptName(const GxFont *font);
 
 } // namespace vellum

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "describe/style_glossaries.hpp"
 
-#include "platform/val/letter_case.hpp"
-
 #include <algorithm>
 
 namespace vellum {
@@ -106,6 +104,7 @@ StyleName::StyleName(std::string_view name) {
         folded_.push_back(found ? folding->letter : LowerAscii(name[0]));
         name.remove_prefix(found ? folding->character.size() : 1);
     }
+    letters_ = StyleWord::LettersOf(folded_);
 }
 
 bool StyleName::HasWordAt(size_t place, std::string_view word) const noexcept {
@@ -122,7 +121,7 @@ size_t StyleName::FindLast(std::string_view word) const noexcept {
 bool StyleName::DetermineTraitValueFromString(std::span<const StyleWord> glossary,
                                               float &value) const noexcept {
     for (const StyleWord &row : glossary) {
-        if (FindLast(row.word) == std::string_view::npos) continue;
+        if ((row.letters & ~letters_) != 0 || FindLast(row.word) == std::string_view::npos) continue;
         value = row.value;
         return true;
     }

@@ -2,7 +2,10 @@
 // The words in which names of faces tell weight, width and slant.
 #pragma once
 
+#include "platform/val/letter_case.hpp"
+
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,8 +16,21 @@ namespace vellum {
 // found wins: longer words therefore stand before those that they contain. Where they do not, and where a
 // word stands twice, that is deliberate and must stay: values are kept and asked for by others.
 struct StyleWord {
+    constexpr StyleWord(std::string_view its_word, float its_value) noexcept
+        : word(its_word), value(its_value), letters(LettersOf(its_word)) {}
+
     std::string_view word; // ASCII
     float value;
+    uint32_t letters; // that occur in the word
+
+    // A bit for each letter of ASCII that occurs in a text, whatever its case.
+    static constexpr uint32_t LettersOf(std::string_view text) noexcept {
+        uint32_t letters = 0;
+        for (const char c : text) {
+            if (LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z') letters |= 1U << (LowerAscii(c) - 'a');
+        }
+        return letters;
+    }
 };
 
 // Weights from -1 (thinnest) over 0 (regular) to 1; widths below 0 condensed; slants as fractions of 180
@@ -48,6 +64,7 @@ public:
 
 private:
     std::string folded_;
+    uint32_t letters_; // that occur in it: most words have another, and need not be sought
 };
 
 } // namespace vellum

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Registration of font files.
+#include "describe/directory_flags.hpp"
 #include "describe/gx_font_wrapper.hpp"
 #include "frame/registry/generation_seed.hpp"
 #include "platform/font/type_identifier.hpp"
 #include "store/change_each.hpp"
-#include "store/directory_flags.hpp"
 #include "store/local_glyphary_imp.hpp"
 
 namespace vellum {

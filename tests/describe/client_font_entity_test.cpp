@@ -64,7 +64,9 @@ TEST(EntityNames, AStyleIsWhatTheFullNameAddsToTheFamily) {
     EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo-Italic"), WindowsName(6, "X")}),
               "Italic");
     EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo"), WindowsName(6, "X")}), "Regular");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo - "), WindowsName(6, "X")}), "(null)");
+    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo--"), WindowsName(6, "X")}), "(null)");
+    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo - Bold"), WindowsName(6, "X")}),
+              "- Bold");
     EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(6, "Foo-Bold")}), "Foo-Bold");
     EXPECT_EQ(StyleOf({WindowsName(4, "Foo Bold"), WindowsName(6, "X")}), "Foo Bold");
 }

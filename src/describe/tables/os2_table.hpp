@@ -53,6 +53,11 @@ public:
         return TCodePageRanges{table_.U32(78), table_.U32(82)};
     }
 
+    // The languages that stand for bits which are set (os2_languages.hpp), interned; code pages count from
+    // version 1 on. Null for none, and when the table is not complete. Takes no lock but the string
+    // pool's. Throws std::bad_alloc when memory is exhausted.
+    Ref<const ValSet> CopySupportedLanguages() const;
+
     // Adds to `ranges` the bits of the blocks that `set` has members in; for null it does nothing.
     //
     // The threshold is no least coverage, although it reads like one: one member is enough under

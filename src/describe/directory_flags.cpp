@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "store/directory_flags.hpp"
+#include "describe/directory_flags.hpp"
 
 #include "platform/fs/volume_flags.hpp"
 #include "values/val_str.hpp"
