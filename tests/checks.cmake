@@ -61,14 +61,29 @@ if(NOT VELLUM_SANITIZE)
 endif()
 
 # ---- the tool --------------------------------------------------------------------------------------
-vellum_add_check(tools.inspect tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
-    COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_inspect.py)
+foreach(verb inspect coverage fontinfo)
+    vellum_add_check(tools.${verb} tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
+        COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)
+endforeach()
 set(folder ${CMAKE_CURRENT_SOURCE_DIR}/oracle)
 vellum_add_check(oracle.inspect oracle TIMEOUT 600
     COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
         ${VELLUM_PYTHON} ${folder}/inspect_oracle.py $<TARGET_FILE:vellum_tool>)
 vellum_add_check(oracle.checker oracle
     COMMAND ${VELLUM_PYTHON} ${folder}/test_inspect_oracle.py)
+vellum_add_check(oracle.properties oracle TIMEOUT 600
+    COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
+        ${VELLUM_PYTHON} ${folder}/properties_oracle.py $<TARGET_FILE:vellum_tool>)
+vellum_add_check(oracle.properties_checker oracle TIMEOUT 300
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_properties_oracle.py)
+
+# ---- the tables of languages -----------------------------------------------------------------------
+add_executable(print_languages ${folder}/print_languages.cpp)
+target_link_libraries(print_languages PRIVATE vellum_internal)
+vellum_add_check(oracle.languages oracle TIMEOUT 300
+    COMMAND ${VELLUM_PYTHON} ${folder}/languages_oracle.py $<TARGET_FILE:print_languages>)
+vellum_add_check(oracle.languages_checker oracle ENVIRONMENT VELLUM_PRINT_LANGUAGES=$<TARGET_FILE:print_languages>
+    COMMAND ${VELLUM_PYTHON} ${folder}/test_languages_oracle.py)
 
 # ---- the interface from C --------------------------------------------------------------------------
 # Each file is a program that links the library alone, as its users do. Those whose names say

@@ -1,47 +1,43 @@
 // SPDX-License-Identifier: MIT
-// One face as the tool shows it, in both of its forms.
+// One face as the tool shows it: its properties, and what else the library tells of its file.
 #pragma once
 
-#include "tools/text.hpp"
+#include "tools/face_properties.hpp"
 
-#include <cstdint>
-#include <nlohmann/json.hpp>
 #include <string>
-#include <utility>
-#include <vector>
+#include <string_view>
 
 namespace vellum::tool {
 
-using Json = nlohmann::ordered_json;
+// What is asked about faces: everything, or one thing by the name that it has in JSON, or by its property
+// key.
+class FaceQuestion {
+public:
+    FaceQuestion() = default;
 
-struct Axis {
-    std::string tag;
-    std::optional<std::string> name;
-    double minimum, default_value, maximum;
+    // Throws CLI::ValidationError for a name that there is not.
+    explicit FaceQuestion(const std::string &name);
+
+    bool IsAboutEverything() const noexcept { return name_.empty(); }
+    bool IsAbout(std::string_view name) const noexcept { return name_.empty() || name_ == name; }
+    const std::string &Name() const noexcept { return name_; }
+
+    // The keys that a face's properties are asked for with.
+    Ref<const ValSet> Keys() const;
+
+private:
+    std::string name_;
 };
 
-struct Face {
-    std::string path;
-    std::string url;
-    std::optional<std::string> postscript_name, family_name, full_name, subfamily_name;
-    std::optional<std::string> type_identifier;
-    int32_t format = 0;
-    bool is_instance = false;
-    std::vector<std::string> table_tags;
-    std::vector<Axis> axes;
-    std::vector<std::pair<std::string, double>> variations; // axis name and place
-};
+// The answers of a face, by their names: stable, names may be added and never changed. `properties` is a
+// property dictionary with the question's keys.
+Json ReadFace(const ValDictionary *properties, const FaceQuestion &question);
 
-// The keys that a face's properties are asked for with.
-Ref<const ValSet> FaceKeys();
+// For people; it may change. `face` is what ReadFace says of everything.
+std::string ToText(const Json &face, bool colour);
 
-// From a property dictionary with those keys.
-Face ReadFace(const ValDictionary *properties);
-
-// Stable: names may be added, never changed.
-Json ToJson(const Face &face);
-
-// For people; it may change.
-std::string ToText(const Face &face, bool colour);
+// One answer on one line, as scripts want it: texts and numbers bare, lists of them with blanks between,
+// all else as JSON; nothing for null.
+std::string ToLine(const Json &answer);
 
 } // namespace vellum::tool

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // vellum VERB: fonts from the command line. Each verb is a file of its own that adds itself here.
+#include "tools/coverage.hpp"
 #include "tools/exit_code.hpp"
+#include "tools/fontinfo.hpp"
 #include "tools/inspect.hpp"
 #include "tools/text.hpp"
 
@@ -41,6 +43,8 @@ int Run(int count, char **arguments) {
         "Example:\n  vellum inspect ~/.local/share/fonts\n\n'vellum VERB --help' tells more of a verb.\n");
     int result = kDone;
     AddInspect(app, result);
+    AddCoverage(app, result);
+    AddFontInfo(app, result);
 
     if (const int misuse = Parse(app, count, arguments)) return misuse;
     if (!std::cout.flush()) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/text.hpp"
 
+#include <charconv>
+#include <iterator>
 #include <new>
 
 namespace vellum::tool {
@@ -17,6 +19,11 @@ std::string ReplaceForeignBytes(std::string_view bytes) {
             text += "\uFFFD";
     }
     return text;
+}
+
+void AppendHex(std::string &text, uint32_t number) {
+    char digits[8];
+    text.append(digits, std::to_chars(digits, std::end(digits), number, 16).ptr);
 }
 
 const void *ValueAt(const ValDictionary *dictionary, const void *key, ValType type) {
@@ -55,6 +62,49 @@ std::string Printable(std::string_view text) {
         shown += {'\\', 'x', kDigits[code >> 4], kDigits[code & 0xF]};
     }
     return shown;
+}
+
+std::string Base64(std::span<const uint8_t> bytes) {
+    constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (size_t at = 0; at < bytes.size(); at += 3) {
+        const auto byte = [&](size_t i) { return at + i < bytes.size() ? uint32_t{bytes[at + i]} : 0; };
+        const uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
+        for (const unsigned shift : {18U, 12U, 6U, 0U}) text += kDigits[group >> shift & 63];
+    }
+    const size_t padding = (3 - bytes.size() % 3) % 3;
+    text.replace(text.size() - padding, padding, padding, '=');
+    return text;
+}
+
+std::string RangesOf(const ValCharacterSet *characters) {
+    std::string ranges;
+    uint32_t first = UINT32_MAX, last = UINT32_MAX;
+    while (ValCharacterSetNextRange(characters, &first, &last)) {
+        if (!ranges.empty()) ranges += ' ';
+        AppendHex(ranges, first);
+        if (first == last) continue;
+        ranges += '-';
+        AppendHex(ranges, last);
+    }
+    return ranges;
+}
+
+std::string UTF8(uint32_t character) {
+    constexpr unsigned kPayload = 6; // bits of each byte after the first
+    constexpr uint8_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
+    if (character < 0x80) return {static_cast<char>(character)};
+    const unsigned more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
+    std::string text(1, static_cast<char>(kLead[more] | character >> more * kPayload));
+    for (unsigned left = more; left-- > 0;)
+        text += static_cast<char>(0x80 | (character >> left * kPayload & 0x3F));
+    return text;
+}
+
+std::string Grouped(size_t number) {
+    std::string text = std::to_string(number);
+    for (size_t at = text.size(); at > 3; at -= 3) text.insert(at - 3, ",");
+    return text;
 }
 
 Ref<const ValURL> FileURL(std::string_view path) {

@@ -4,7 +4,9 @@
 
 #include <vellum/vellum.hpp>
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,6 +21,18 @@ std::optional<std::string> Text(const ValString *string);
 // Text as it may be shown to people: control characters, with which a name in a font could drive
 // the terminal, are written as \x and two digits.
 std::string Printable(std::string_view text);
+
+// RFC 4648, with padding.
+std::string Base64(std::span<const uint8_t> bytes);
+
+// A set of characters as ranges in hexadecimal: "20-7e a0".
+std::string RangesOf(const ValCharacterSet *characters);
+
+// A code point (a Unicode scalar value) in UTF-8.
+std::string UTF8(uint32_t character);
+
+// A number with its thousands apart: "12,345".
+std::string Grouped(size_t number);
 
 Ref<const ValURL> FileURL(std::string_view path);
 

@@ -18,26 +18,22 @@ import made_fonts
 ESCAPE = b"\x1b"
 COLOUR = re.compile(rb"\x1b\[[0-9;]*m")
 
-FACE_FIELDS = {"path", "url", "postscriptName", "familyName", "fullName", "subfamilyName", "format",
-               "typeIdentifier", "instance", "tableTags", "axes", "variations"}
+# A field for each property of the library's list, and what the tool tells besides.
+PROPERTIES = ["postscriptName", "familyName", "fullName", "subfamilyName", "versionName", "copyrightName",
+              "instanceName", "localizedNames", "traits", "url", "uuid", "bookmark", "characterSet", "axes",
+              "variations", "supportedLanguages", "designLanguages", "enabled", "priority", "format",
+              "stringEncoding", "ignoreScriptAnalysis", "fontRef", "directory", "scope", "flags", "unicodeRanges"]
+FACE_FIELDS = {*PROPERTIES, "path", "typeIdentifier", "instance", "tableTags", "names"}
 
 
 class InspectCase(ToolCase):
-    def font(self, name="plain.ttf", family="Plain", subfamily="Regular", folder=None):
-        path = (folder or self.folder) / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        made_fonts.write_plain(path, family, subfamily)
-        return path
-
     def variable_font(self, name="variable.ttf"):
         path = self.folder / name
         made_fonts.make_font(*made_fonts.VARIABLE["two-axes"]).save(path)
         return path
 
     def document(self, *arguments, status=DONE):
-        done = self.run_tool("inspect", "--json", *arguments)
-        self.assertEqual(done.returncode, status, done.stderr)
-        return json.loads(done.stdout.decode("utf-8"))
+        return self.document_of("inspect", *arguments, status=status)
 
 
 class Help(InspectCase):
@@ -284,6 +280,62 @@ class Json(InspectCase):
         made_fonts.make_font([]).save(path)
         face, = self.document(str(path))["faces"]
         self.assertEqual((face["postscriptName"], face["familyName"]), (None, None))
+
+
+    def test_a_face_tells_what_it_covers_and_how_it_looks(self):
+        face, = self.document(str(self.font(subfamily="Bold Italic")))["faces"]
+        self.assertEqual(face["characterSet"], {"count": 1, "ranges": "41"})
+        self.assertEqual(face["traits"], {"symbolic": 3, "weight": 0.4, "width": 0.0, "slant": 0.0694444})
+        self.assertEqual(face["unicodeRanges"], [1, 0, 0, 0])
+        self.assertEqual(face["localizedNames"]["en"]["subfamilyName"], "Bold Italic")
+        self.assertEqual(face["names"]["familyName"], ["Plain"])
+
+    def test_what_only_a_register_knows_is_null(self):
+        face, = self.document(str(self.font()))["faces"]
+        for field in ("instanceName", "enabled", "priority", "fontRef", "directory", "scope", "uuid"):
+            self.assertIsNone(face[field], field)
+
+
+class Property(InspectCase):
+    def lines(self, *arguments):
+        done = self.run_tool("inspect", "--property", *arguments)
+        self.assertEqual((done.returncode, done.stderr), (DONE, b""))
+        return done.stdout.decode().splitlines()
+
+    def test_is_a_line_a_face(self):
+        self.assertEqual(self.lines("familyName", str(self.font())), ["Plain"])
+        path = str(self.variable_font())
+        self.assertEqual(len(self.lines("postscriptName", path)), 4)
+
+    def test_is_found_by_its_key_too(self):
+        self.assertEqual(self.lines("KSFontFamilyAttribute", str(self.font())), ["Plain"])
+
+    def test_is_an_empty_line_where_a_face_has_none(self):
+        self.assertEqual(self.lines("copyrightName", str(self.font())), [""])
+
+    def test_of_several_texts_has_blanks_between_them_and_of_parts_is_json(self):
+        path = str(self.font(subfamily="Bold"))
+        self.assertIn("glyf", self.lines("tableTags", path)[0].split())
+        self.assertEqual(self.lines("unicodeRanges", path), ["1 0 0 0"])
+        self.assertEqual(json.loads(self.lines("traits", path)[0])["weight"], 0.4)
+
+    def test_is_the_only_field_of_the_document_beside_the_path(self):
+        face, = self.document("--property", "flags", str(self.font()))["faces"]
+        self.assertEqual(face, {"path": str(self.font()), "flags": 0})
+
+    def test_every_one_can_be_asked_for_alone_and_says_the_same(self):
+        path = str(self.variable_font())
+        everything = self.document(path)["faces"]
+        for field in sorted(FACE_FIELDS):
+            with self.subTest(field=field):
+                alone = self.document("--property", field, path)["faces"]
+                self.assertEqual([face[field] for face in alone], [face[field] for face in everything])
+
+    def test_that_there_is_not_is_a_usage_error_that_names_those_that_there_are(self):
+        done = self.run_tool("inspect", "--property", "colour", str(self.font()))
+        self.assertEqual((done.returncode, done.stdout), (USAGE, b""))
+        self.assertIn(b"'colour'", done.stderr)
+        self.assertIn(b"supportedLanguages", done.stderr)
 
 
 class Terminal(InspectCase):

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Runs the tool as a user would, in a folder and a home of the test's own. Environment: VELLUM_TOOL.
+import json
 import os
 import pathlib
 import pty
@@ -11,6 +12,8 @@ import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "oracle"))
+
+import made_fonts  # noqa: E402: the line above says where it is
 
 TOOL = os.environ["VELLUM_TOOL"]
 DEADLINE = 60  # seconds: enough for a slow build of the tool, so what passes it hangs
@@ -36,6 +39,18 @@ class ToolCase(unittest.TestCase):
         self.folder = self.scratch / "fonts"
         self.home.mkdir(mode=0o700)
         self.folder.mkdir()
+
+    def font(self, name="plain.ttf", family="Plain", subfamily="Regular", folder=None):
+        path = (folder or self.folder) / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        made_fonts.write_plain(path, family, subfamily)
+        return path
+
+    def document_of(self, verb, *arguments, status=DONE):
+        """The JSON document that a verb writes."""
+        done = self.run_tool(verb, "--json", *arguments)
+        self.assertEqual(done.returncode, status, done.stderr)
+        return json.loads(done.stdout.decode("utf-8"))
 
     def environment(self, **more):
         home = {name: str(self.home / name.lower()) for name in
