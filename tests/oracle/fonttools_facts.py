@@ -78,12 +78,17 @@ def instance_postscript_name(font, instance, family):
     return Prefix("".join(c for c in prefix if c.isascii() and c.isalnum()) + "-")
 
 
-def instance_facts(font, face):
-    """The facts of each named instance that is not the default of every axis."""
+def named_instances(font):
+    """The named instances that are not the default of every axis."""
     fvar = font["fvar"]
-    for instance in fvar.instances:
-        if all(instance.coordinates[axis.axisTag] == axis.defaultValue for axis in fvar.axes):
-            continue
+    return [instance for instance in fvar.instances
+            if any(instance.coordinates[axis.axisTag] != axis.defaultValue for axis in fvar.axes)]
+
+
+def instance_facts(font, face):
+    """The facts of each face that a named instance is."""
+    fvar = font["fvar"]
+    for instance in named_instances(font):
         style = name(font, instance.subfamilyNameID)
         yield dict(
             face, instance=True, subfamilyName=style,
@@ -99,8 +104,8 @@ def directory_tags(data, start):
     return [data[place:place + 4].decode("latin-1") for place in places]
 
 
-def faces_of_file(path):
-    """The facts of a file's faces: those of its collection, then the instances of each."""
+def fonts_of_file(path):
+    """(font, its table tags) of a file, or of each member of a collection."""
     with open(path, "rb") as file:
         data = file.read()
     if data[:4] == b"ttcf":
@@ -109,6 +114,12 @@ def faces_of_file(path):
         starts = struct.unpack_from(f">{count}L", data, 12)
     else:
         fonts, starts = [TTFont(io.BytesIO(data), lazy=True)], [0]
-    faces = [face_facts(font, directory_tags(data, start)) for font, start in zip(fonts, starts)]
-    return faces + [facts for font, face in zip(fonts, faces) if face["axes"]
+    return [(font, directory_tags(data, start)) for font, start in zip(fonts, starts)]
+
+
+def faces_of_file(path):
+    """The facts of a file's faces: those of its collection, then the instances of each."""
+    fonts = fonts_of_file(path)
+    faces = [face_facts(font, tags) for font, tags in fonts]
+    return faces + [facts for (font, _), face in zip(fonts, faces) if face["axes"]
                     for facts in instance_facts(font, face)]

@@ -95,9 +95,9 @@ def compare_with_freetype(files, found):
     return sum(count > 0 for count in counts.values()), disagreements
 
 
-def inspect(tool, folders):
+def inspect(tool, paths, environment=None):
     """The faces that `vellum inspect` lists, by the file that they are in, in its order."""
-    done = subprocess.run([tool, "inspect", "--json", *folders], stdout=subprocess.PIPE, timeout=240)
+    done = subprocess.run([tool, "inspect", "--json", *paths], stdout=subprocess.PIPE, env=environment, timeout=240)
     if done.returncode not in (0, 1):  # 1: it refused some file
         sys.exit(f"vellum inspect ended with {done.returncode}")
     found = {}

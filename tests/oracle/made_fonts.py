@@ -49,21 +49,23 @@ def english(family, subfamily="Regular", place=WINDOWS_ENGLISH):
     return [(place, 1, family), (place, 2, subfamily), (place, 4, full), (place, 6, postscript)]
 
 
-def make_font(records, axes=(), instances=()):
-    """A TTFont of two glyphs. Axes: (tag, minimum, default, maximum, nameID); instances:
-    (subfamily nameID, PostScript nameID or 0xFFFF, {tag: coordinate})."""
+def make_font(records, axes=(), instances=(), characters=(0x41,), widths=(500, 600)):
+    """A TTFont with a glyph for each width, of which the second is that of all characters. Axes: (tag,
+    minimum, default, maximum, nameID); instances: (subfamily nameID, PostScript nameID or 0xFFFF,
+    {tag: coordinate})."""
     builder = FontBuilder(1000, isTTF=True)
-    builder.setupGlyphOrder([".notdef", "A"])
-    builder.setupCharacterMap({0x41: "A"})
-    builder.setupGlyf({".notdef": TTGlyphPen(None).glyph(), "A": TTGlyphPen(None).glyph()})
-    builder.setupHorizontalMetrics({".notdef": (500, 0), "A": (600, 0)})
+    glyphs = [".notdef", "A", *(f"glyph{number}" for number in range(2, len(widths)))]
+    builder.setupGlyphOrder(glyphs)
+    builder.setupCharacterMap(dict.fromkeys(characters, "A"))
+    builder.setupGlyf({glyph: TTGlyphPen(None).glyph() for glyph in glyphs})
+    builder.setupHorizontalMetrics({glyph: (width, 0) for glyph, width in zip(glyphs, widths)})
     builder.setupHorizontalHeader(ascent=800, descent=-200)
     builder.setupOS2()
     builder.setupPost()
     builder.font["name"] = name_table(records)
     if axes:
         builder.font["fvar"] = fvar_table(axes, instances)
-        builder.font["gvar"] = still_gvar_table(len(axes), 2)
+        builder.font["gvar"] = still_gvar_table(len(axes), len(glyphs))
     return builder.font
 
 
