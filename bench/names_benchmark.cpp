@@ -4,6 +4,7 @@
 //
 //     names_benchmark [FOLDER...]
 //
+#include "font_files.hpp"
 #include "platform/font/big_endian.hpp"
 #include "platform/font/gx_font.hpp"
 #include "rotation.hpp"
@@ -18,8 +19,6 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -32,28 +31,6 @@ constexpr int kRounds = 25;
 constexpr size_t kHeadBytes = 4096;
 constexpr hb_ot_name_id_t kNames[] = {HB_OT_NAME_ID_POSTSCRIPT_NAME, HB_OT_NAME_ID_FONT_FAMILY,
                                       HB_OT_NAME_ID_FULL_NAME, HB_OT_NAME_ID_FONT_SUBFAMILY};
-
-using TFiles = std::vector<std::string>;
-
-bool IsSfnt(const std::filesystem::path &path) {
-    std::ifstream file(path, std::ios::binary);
-    std::array<char, 4> magic = {};
-    file.read(magic.data(), magic.size());
-    const std::string text(magic.data(), magic.size());
-    return text == std::string("\0\1\0\0", 4) || text == "OTTO" || text == "ttcf" || text == "true";
-}
-
-TFiles FindFiles(const std::vector<std::string> &folders) {
-    TFiles files;
-    for (const std::string &folder : folders) {
-        std::error_code error;
-        for (const auto &entry : std::filesystem::recursive_directory_iterator(folder, error)) {
-            if (entry.is_regular_file() && IsSfnt(entry.path())) files.push_back(entry.path());
-        }
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 // Each side gives the bytes of the names that it saw, so that nothing is optimised away.
 size_t ReadWithHarfBuzz(const TFiles &files) {
@@ -124,9 +101,7 @@ size_t ReadWithVellum(const TFiles &files) {
 } // namespace
 
 int main(int count, char **arguments) {
-    std::vector<std::string> folders(arguments + 1, arguments + count);
-    if (folders.empty()) folders = {"/usr/share/fonts", "/usr/share/texmf/fonts"};
-    const TFiles files = FindFiles(folders);
+    const TFiles files = FindFontFiles({arguments + 1, arguments + count});
     std::vector<TSide> sides = {{"HarfBuzz, mapped", [&] { return ReadWithHarfBuzz(files); }},
                                 {"the bytes alone", [&] { return ReadBytes(files); }},
                                 {"Vellum", [&] { return ReadWithVellum(files); }}};

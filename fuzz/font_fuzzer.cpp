@@ -34,7 +34,9 @@ void AskNames(const GxFont *font) {
         Check(!name || length != 0);
         for (size_t i = 0; i < ValArrayGetCount(languages.Get()) && i < 16; ++i) {
             const void *language = ValArrayGetValue(languages.Get(), i);
-            GxFontCopyLocalizedName(font, key, static_cast<const ValString *>(language));
+            size_t size = 0;
+            const char *text = ValStringGetBytes(static_cast<const ValString *>(language), &size);
+            GxFontCopyLocalizedName(font, key, {text, size});
         }
     }
 }
