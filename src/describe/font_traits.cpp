@@ -79,6 +79,25 @@ constexpr NamedFace kNamedFaces[] = {
 
 // ---- the derivation -----------------------------------------------------------------------------------
 
+// A trait, once a source has a value for it.
+template <class T>
+class Settled {
+public:
+    explicit operator bool() const noexcept { return is_settled_; }
+    T Value() const noexcept { return value_; } // 0 or false while it is not settled
+
+    Settled &operator=(T value) noexcept {
+        value_ = value;
+        is_settled_ = true;
+        return *this;
+    }
+    Settled &operator=(const std::optional<T> &value) noexcept { return value ? *this = *value : *this; }
+
+private:
+    T value_{};
+    bool is_settled_ = false;
+};
+
 // Asks one source after the other; what has a value is settled.
 class Derivation {
 public:
@@ -95,11 +114,11 @@ public:
         AskFont();
     }
 
-    std::optional<float> weight;
-    std::optional<float> width;
-    std::optional<float> slant;
-    std::optional<bool> fixed_pitch;
-    std::optional<uint32_t> face_class;
+    Settled<float> weight;
+    Settled<float> width;
+    Settled<float> slant;
+    Settled<bool> fixed_pitch;
+    Settled<uint32_t> face_class;
 
 private:
     const ValString *MetadataString(const ValString *key) const noexcept {
@@ -139,8 +158,7 @@ private:
         }
     }
 
-    static void AskName(const StyleName &name, std::span<const StyleWord> glossary,
-                        std::optional<float> &trait) {
+    static void AskName(const StyleName &name, std::span<const StyleWord> glossary, Settled<float> &trait) {
         float value = 0;
         if (!trait && name.DetermineTraitValueFromString(glossary, value)) trait = value;
     }
@@ -220,7 +238,7 @@ private:
         auto hmtx = GxFontCopyTable(font_, MakeTag("hmtx"), kFirst);
         if (!hmtx) return;
         fixed_pitch = hmtxTable(std::move(hmtx), metrics).IsFixedPitch();
-        if (*fixed_pitch)
+        if (fixed_pitch.Value())
             fixed_pitch = hmtxTable(GxFontCopyTable(font_, MakeTag("hmtx")), metrics).IsFixedPitch();
     }
 
@@ -268,16 +286,16 @@ TFontTraits::TFontTraits(const GxFont *font, const ValDictionary *metadata) {
 
     Derivation derivation(font, metadata);
     derivation.Run();
-    weight_ = derivation.weight.value_or(0.0F);
-    width_ = derivation.width.value_or(0.0F);
-    slant_ = *derivation.slant;
+    weight_ = derivation.weight.Value();
+    width_ = derivation.width.Value();
+    slant_ = derivation.slant.Value();
     if (std::fabs(slant_) < kLeastSlant) slant_ = 0;
     if (weight_ > kLeastBold) symbolic_ |= kTraitBold;
     if (width_ > kLeastWidth) symbolic_ |= kTraitExpanded;
     if (width_ < -kLeastWidth) symbolic_ |= kTraitCondensed;
     if (std::fabs(slant_) > kLeastItalic) symbolic_ |= kTraitItalic;
-    if (*derivation.fixed_pitch) symbolic_ |= kTraitMonospace;
-    symbolic_ |= derivation.face_class.value_or(0) << kClassShift;
+    if (derivation.fixed_pitch.Value()) symbolic_ |= kTraitMonospace;
+    symbolic_ |= derivation.face_class.Value() << kClassShift;
 }
 
 Ref<const ValDictionary> TFontTraits::CreateTraitsDictionary() const {
