@@ -58,59 +58,8 @@ const ValDictionary *TClientFontEntity::Metadata() const {
 }
 
 Ref<const void> TClientFontEntity::CopyProperty(const ValString *key, bool all) const {
-    switch (TFontProperties::GetPropertyID(key)) {
-    case PropertyID::kName:
-        return CopyPostScriptName(all);
-    case PropertyID::kFamilyName:
-        return CopyFamilyName(all);
-    case PropertyID::kFullName:
-        return CopyFullName(all);
-    case PropertyID::kSubfamilyName:
-        return CopySubfamilyName(all);
-    case PropertyID::kVersionName:
-        return CopyVersionName(all);
-    case PropertyID::kCopyrightName:
-        return CopyCopyrightName(all);
-    case PropertyID::kLocalizedNames:
-        return CopyLocalizedNames();
-    case PropertyID::kTraits:
-        return CopyTraits();
-    case PropertyID::kURL:
-        return CopyURL();
-    case PropertyID::kUUID:
-        return CopyUUID();
-    case PropertyID::kBookmark:
-        return CopyBookmark();
-    case PropertyID::kCharacterSet:
-        return CopyCharacterSet();
-    case PropertyID::kVariationAxes:
-        return CopyVariationAxes();
-    case PropertyID::kVariations:
-        return CopyVariations();
-    case PropertyID::kSupportedLanguages:
-        return CopySupportedLanguages();
-    case PropertyID::kDesignLanguages:
-        return CopyDesignLanguages();
-    case PropertyID::kFormat:
-        return CopyFormat();
-    case PropertyID::kStringEncoding:
-        return CopyStringEncoding();
-    case PropertyID::kIgnoreScriptAnalysis:
-        return CopyIgnoreScriptAnalysis();
-    case PropertyID::kFlags:
-        return CopyFlags();
-    case PropertyID::kUnicodeRanges:
-        return CopyUnicodeRanges();
-    case PropertyID::kUnknown:
-    case PropertyID::kInstanceName:
-    case PropertyID::kEnabled:
-    case PropertyID::kPriority:
-    case PropertyID::kFontRef:
-    case PropertyID::kDirectory:
-    case PropertyID::kScope:
-        return nullptr; // the register's own, or nobody's
-    }
-    return nullptr;
+    const PropertyRow *row = TFontProperties::Find(key);
+    return row && row->derive ? row->derive(*this, all) : nullptr;
 }
 
 Ref<const ValDictionary> TClientFontEntity::CopyProperties(const ValSet *keys, bool all) const {

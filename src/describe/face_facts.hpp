@@ -8,6 +8,7 @@
 #pragma once
 
 #include "platform/font/gx_font.hpp"
+#include "platform/process/passing_failures.hpp"
 
 #include <vellum/values.hpp>
 
@@ -62,9 +63,9 @@ public:
         using Pointer = decltype(std::declval<Answer>().Get());
         const void *known = Slot(fact).load(std::memory_order_acquire);
         if (!known) {
-            const uint32_t failures = GxFontCountReadFailures();
+            const uint32_t failures = tPassingFailures;
             Answer fresh = derive();
-            if (failures != GxFontCountReadFailures()) return fresh;
+            if (failures != tPassingFailures) return fresh;
             known = Put(fact, std::move(fresh));
         }
         return known == &kNothing ? Answer() : Answer::Retain(static_cast<Pointer>(known));

@@ -19,7 +19,6 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
-#include <iterator>
 
 namespace vellum {
 
@@ -27,72 +26,21 @@ namespace {
 
 constinit TResourceFolder sFontInfoFolder("/FontInfo/");
 
-using TypeSet = uint32_t;
-
-constexpr TypeSet Bit(ValType type) noexcept {
-    return TypeSet{1} << type;
+bool IsOneOf(const void *value, KindSet kinds) noexcept {
+    return (kinds & KindBit(ValGetType(value))) != 0;
 }
 
-constexpr TypeSet kAny = ~TypeSet{0};
-constexpr TypeSet kString = Bit(kValTypeString);
-constexpr TypeSet kNumber = Bit(kValTypeNumber) | Bit(kValTypeBoolean);
-constexpr TypeSet kArray = Bit(kValTypeArray);
-constexpr TypeSet kDictionary = Bit(kValTypeDictionary);
-
-// Of which kinds the value of a property may be, and the items in it when it is a container.
-struct PropertyRow {
-    TypeSet kinds;
-    TypeSet items = 0;
-};
-
-// By the property's identifier. A name may be an array of names, of which the first counts where one is
-// asked for.
-constexpr PropertyRow kProperties[] = {
-    {kAny, kAny},                // not a property of ours
-    {kString | kArray, kString}, // PostScript name
-    {kString | kArray, kString}, // family name
-    {kString | kArray, kString}, // full name
-    {kString | kArray, kString}, // subfamily name
-    {kString | kArray, kString}, // version name
-    {kString | kArray, kString}, // copyright name
-    {kString},                   // instance name
-    {kDictionary, kDictionary},  // localized names
-    {kDictionary, kNumber},      // traits
-    {Bit(kValTypeURL)},
-    {Bit(kValTypeUUID)},
-    {Bit(kValTypeData)}, // bookmark
-    {Bit(kValTypeCharacterSet)},
-    {kArray, kDictionary},  // variation axes
-    {kDictionary, kNumber}, // variations
-    {kArray, kString},      // supported languages
-    {kArray, kString},      // design languages
-    {kNumber},              // enabled
-    {kNumber},              // priority
-    {kNumber},              // format
-    {kNumber},              // string encoding
-    {Bit(kValTypeBoolean)}, // ignore script analysis
-    {kNumber},              // font reference
-    {Bit(kValTypeURL)},     // directory
-    {kNumber},              // scope
-    {kNumber},              // flags
-    {kArray, kNumber},      // Unicode ranges
-};
-static_assert(std::size(kProperties) == kPropertyCount + 1);
-
-bool IsOneOf(const void *value, TypeSet kinds) noexcept {
-    return (kinds & Bit(ValGetType(value))) != 0;
-}
-
+// Whether a value may stand under a key; under one that is no property's, all may.
 bool IsPropertyValue(const ValString *key, const void *value) {
-    const auto &row = kProperties[static_cast<size_t>(TFontProperties::GetPropertyID(key))];
-    if (!IsOneOf(value, row.kinds)) return false;
-    if (row.kinds == kAny) return true;
+    const PropertyRow *row = TFontProperties::Find(key);
+    if (!row) return true;
+    if (!IsOneOf(value, row->kinds)) return false;
     for (const void *item : Elements(Cast<ValArray>(value)))
-        if (!IsOneOf(item, row.items)) return false;
+        if (!IsOneOf(item, row->items)) return false;
     const auto *dictionary = Cast<ValDictionary>(value);
     size_t cursor = 0;
     for (const void *name, *item; ValDictionaryNext(dictionary, &cursor, &name, &item);)
-        if (!Cast<ValString>(name) || !IsOneOf(item, row.items)) return false;
+        if (!Cast<ValString>(name) || !IsOneOf(item, row->items)) return false;
     return true;
 }
 
@@ -128,7 +76,8 @@ public:
     Ref<const ValDictionary> Update(const ValDictionary *stored) const {
         const auto *stored_url = Cast<ValURL>(ValDictionaryGetValue(stored, kVLFontPropertyURL));
         const void *stored_flags = ValDictionaryGetValue(stored, kVLFontPropertyFlags);
-        if (!stored_url || (stored_flags && !IsOneOf(stored_flags, kNumber))) return nullptr;
+        if (!stored_url || (stored_flags && !IsPropertyValue(kVLFontPropertyFlags, stored_flags)))
+            return nullptr;
         TValMutableDict face = CopyProperties(stored);
         const TValStr fragment(Adopt(ValURLCopyFragment(stored_url)));
         face.Set(kVLFontPropertyURL, url_.WithFragment(FragmentAnew(fragment)).Get());

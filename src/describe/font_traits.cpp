@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "describe/font_traits.hpp"
 
+#include "describe/named_faces.hpp"
 #include "describe/os2_traits.hpp"
 #include "describe/style_glossaries.hpp"
 #include "describe/tables/head_table.hpp"
@@ -58,24 +59,6 @@ std::optional<float> FindExactly(std::span<const StyleWord> words, std::string_v
     }
     return std::nullopt;
 }
-
-// ---- faces of the system that their names and tables do not do justice --------------------------------
-
-struct NamedFace {
-    std::string_view postscript_name;
-    std::optional<float> weight;
-    std::optional<uint32_t> face_class;
-};
-
-// "Light" is what these families call the weight that text is set in.
-constexpr NamedFace kNamedFaces[] = {
-    {".Keyboard", 0.0F, std::nullopt},
-    {"URWBookman-Light", 0.0F, std::nullopt},
-    {"URWBookman-LightItalic", 0.0F, std::nullopt},
-    {"URWGothic-Demi", 0.24F, std::nullopt},
-    {"URWGothic-Book", -0.1F, std::nullopt},
-    {"C059-Roman", std::nullopt, 1U},
-};
 
 // ---- the derivation -----------------------------------------------------------------------------------
 

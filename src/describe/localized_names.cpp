@@ -7,6 +7,7 @@
 #include "platform/locale/locale_names.hpp"
 #include "platform/locale/user_locale.hpp"
 #include "values/val_dictionary.hpp"
+#include "values/val_str.hpp"
 
 #include <vellum/vellum.h>
 
@@ -94,11 +95,13 @@ Ref<const void> TClientFontEntity::CopyLocalizedName(const ValString *key, bool 
     const auto *kind =
         std::ranges::find_if(kNameKinds, [key](const NameKind &row) { return ValEqual(*row.key, key); });
     if (!key || kind == std::end(kNameKinds)) return nullptr;
+    const TValArray listed(GxFontCopyNameLanguages(font_.Get()));
     NameList names;
     for (const std::string &preferred : UserLocale().GetPreferredLanguages()) {
         for (const std::string &language : LanguageAndParents(preferred)) {
+            if (!listed.Contains(TValStr(language).Get())) continue;
             auto name = CopyFirst(font_.Get(), *kind, language);
-            if (name && !all) return name;
+            if (!all) return name; // the first language decides, also where it lacks this name
             names.Add(std::move(name));
         }
     }

@@ -94,5 +94,56 @@ TEST(Constants, TheRestOfThePublicStringsHaveTheirTexts) {
     EXPECT_EQ(TextOf(kVLFontURLParameterVariationPrefix), "var:");
 }
 
+TEST(FontProperties, HaveTheRuleThatRequestsForThemAreMatchedBy) {
+    constexpr MatchRule kNever = MatchRule::kNever, kName = MatchRule::kName;
+    constexpr MatchRule kRules[] = {
+        kName, // 1
+        kName,
+        kName,
+        kNever, // the subfamily name
+        kName,
+        kName,
+        kName,
+        kNever,
+        MatchRule::kTraits, // 9
+        MatchRule::kURL,
+        kNever,
+        kNever,
+        MatchRule::kCharacterSet, // 13
+        MatchRule::kEqual,
+        MatchRule::kAlways,
+        MatchRule::kLanguages,
+        kNever,
+        MatchRule::kAlways, // 18
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+        kNever,
+    };
+    size_t i = 0;
+    for (const PropertyRow &row : TFontProperties::Rows()) EXPECT_EQ(row.match, kRules[i++]) << i;
+}
+
+TEST(FontProperties, AreDerivedByFacesButWhatRegistersSayOfThem) {
+    for (const PropertyRow &row : TFontProperties::Rows()) {
+        const bool is_registers = row.id == PropertyID::kInstanceName || row.id == PropertyID::kEnabled ||
+                                  row.id == PropertyID::kPriority || row.id == PropertyID::kFontRef ||
+                                  row.id == PropertyID::kDirectory || row.id == PropertyID::kScope;
+        EXPECT_EQ(row.derive == nullptr, is_registers) << static_cast<uint32_t>(row.id);
+    }
+}
+
+TEST(FontProperties, OfNamesAreTheSixThatFacesHaveManyOf) {
+    for (const PropertyRow &row : TFontProperties::Rows())
+        EXPECT_EQ(TFontProperties::IsNameKey(*row.key), static_cast<uint32_t>(row.id) <= 6);
+    EXPECT_FALSE(TFontProperties::IsNameKey(kVLFontPropertyDesignerName));
+    EXPECT_FALSE(TFontProperties::IsNameKey(nullptr));
+}
+
 } // namespace
 } // namespace vellum::test

@@ -2,6 +2,7 @@
 #include "platform/app/property_list.hpp"
 
 #include "platform/app/base64.hpp"
+#include "platform/process/passing_failures.hpp"
 
 #include <expat.h>
 
@@ -96,13 +97,17 @@ public:
     Ref<const void> Read(const char *bytes, size_t length) {
         const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate("UTF-8"),
                                                                                   XML_ParserFree);
-        if (!parser) return nullptr;
+        if (!parser) {
+            ++tPassingFailures;
+            return nullptr;
+        }
         parser_ = parser.get();
         XML_SetUserData(parser_, this);
         XML_SetElementHandler(parser_, Start, End);
         XML_SetCharacterDataHandler(parser_, Characters);
         XML_SetStartDoctypeDeclHandler(parser_, Doctype);
         const XML_Status status = XML_Parse(parser_, bytes, static_cast<int>(length), XML_TRUE);
+        if (XML_GetErrorCode(parser_) == XML_ERROR_NO_MEMORY) ++tPassingFailures;
         return status == XML_STATUS_OK && !refused_ ? std::move(value_) : nullptr;
     }
 
@@ -116,6 +121,7 @@ private:
         try {
             done = work(*reader);
         } catch (const std::bad_alloc &) {
+            ++tPassingFailures;
         }
         if (done) return;
         reader->refused_ = true;

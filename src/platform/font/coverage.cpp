@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <set>
 #include <span>
 
@@ -131,6 +132,8 @@ Ref<const ValCharacterSet> ReadCoverage(TBytes cmap, TBytes os2, unsigned int gl
         const TFaceHandle face = MakeFace(tables);
         hb_face_set_glyph_count(face.get(), GlyphsToAssume(cmap, glyphs));
         hb_face_collect_unicodes(face.get(), set.get());
+        if (face.get() == hb_face_get_empty() || !hb_set_allocation_successful(set.get()))
+            throw std::bad_alloc();
     }
     return ShareCharacterSet(CopyMembers(set.get()));
 }

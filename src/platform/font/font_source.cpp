@@ -61,7 +61,7 @@ TReading TFileSource::Open() const {
     TFileIdentity identity;
     TDescriptor opened = OpenRegularFile(path_.c_str(), &identity);
     if (!opened.IsOpen() || identity != identity_) {
-        ++tReadFailures;
+        ++tPassingFailures;
         return TReading();
     }
     auto file = std::make_shared<const TDescriptor>(std::move(opened));

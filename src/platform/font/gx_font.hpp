@@ -133,10 +133,6 @@ public:
     GxFontRound &operator=(const GxFontRound &) = delete;
 };
 
-// How often reading fonts has failed on this thread: memory was exhausted, or a file could not be opened
-// or was no longer what it was. What was derived while the number moved may lack something.
-uint32_t GxFontCountReadFailures() noexcept;
-
 // What the floors above derive from a font and keep with it.
 class GxFontCompanion {
 public:

@@ -91,7 +91,7 @@ std::span<const GxTag> GxFontGetTableTags(const GxFont *font) noexcept {
 Ref<const ValCharacterSet> GxFontCopyCharacterSet(const GxFont *font) noexcept {
     auto coverage = Ask(font, [](const TFace &face) { return face.CopyCharacterSet(); });
     if (coverage) return coverage;
-    ++tReadFailures;
+    ++tPassingFailures;
     return Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
 }
 
@@ -122,10 +122,6 @@ bool GxFontIsFixedPitch(const GxFont *font) noexcept {
 
 bool GxFontIsBitmapOnly(const GxFont *font) noexcept {
     return Ask(font, [](const TFace &face) { return face.IsBitmapOnly(); });
-}
-
-uint32_t GxFontCountReadFailures() noexcept {
-    return tReadFailures;
 }
 
 // Of two threads that make one at a time, the second takes the first one's.

@@ -17,6 +17,7 @@ constexpr size_t kHeaderSize = 6;
 constexpr size_t kRecordSize = 12;
 constexpr uint16_t kFirstTag = 0x8000; // language numbers from here on index the table's own tags
 constexpr size_t kMaximumTags = 256;
+constexpr size_t kMaximumTagBytes = 2 * kMaximumLanguageIdentifier; // in UTF-16
 
 enum TPlatform : uint16_t { kUnicode = 0, kMacintosh = 1, kWindows = 3 };
 
@@ -58,7 +59,7 @@ void TNameTable::ReadTags(TBytes table, size_t at, TBytes text) {
     for (size_t i = 0; i < count; ++i) {
         const TBytes record = Slice(table, at + 2 + i * 4, 4);
         const TBytes bytes = Slice(text, ReadU16(record, 2), ReadU16(record, 0));
-        const auto tag = DecodeName(kUnicode, 0, bytes);
+        const auto tag = bytes.size() <= kMaximumTagBytes ? DecodeName(kUnicode, 0, bytes) : nullptr;
         const char *characters = ValStringGetUTF8(tag.Get(), nullptr);
         tags_.push_back(characters ? CanonicalLanguageIdentifier(characters) : std::string());
     }

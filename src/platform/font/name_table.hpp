@@ -17,6 +17,8 @@ namespace vellum {
 class TNameTable {
 public:
     TNameTable() = default;
+    TNameTable(TNameTable &&) = default; // not copied: its parts refer to each other
+    TNameTable &operator=(TNameTable &&) = default;
 
     // `more` are further name identifiers that can be asked for, sorted.
     TNameTable(TBytes table, std::span<const uint16_t> more);

@@ -4,6 +4,7 @@
 #include "platform/font/names.hpp"
 
 #include "platform/font/limits.hpp"
+#include "platform/val/object.hpp"
 
 #include <algorithm>
 
@@ -32,7 +33,10 @@ Ref<const ValString> TNames::Copy(uint16_t name) const {
     }
     const TNameTable &table = Table();
     if (!table) return nullptr;
-    return chosen_.emplace_back(name, table.Copy(name)).second;
+    const uint32_t failures = tPassingFailures;
+    auto text = table.Copy(name);
+    if (failures == tPassingFailures) chosen_.emplace_back(name, text); // else it may not be the best one
+    return text;
 }
 
 Ref<const ValString> TNames::CopyInLanguage(uint16_t name, std::string_view language) const {

@@ -5,6 +5,7 @@
 #include "platform/font/coverage.hpp"
 #include "platform/font/freetype_face.hpp"
 #include "platform/font/limits.hpp"
+#include "platform/val/object.hpp"
 
 #include <algorithm>
 #include <cstdlib>
@@ -29,7 +30,7 @@ Ref<const ValString> TagText(GxTag tag) {
 Ref<const ValData> CopyData(const TReading &reading, TStretch stretch, size_t limit) {
     const size_t wanted = std::min<size_t>(stretch.length, limit);
     if (wanted == 0) return Adopt(ValDataCreate("", 0));
-    std::unique_ptr<void, decltype(&std::free)> bytes(std::malloc(wanted), std::free);
+    std::unique_ptr<void, decltype(&std::free)> bytes(Allocate(wanted), std::free);
     if (!bytes) throw std::bad_alloc();
     const size_t length = reading.Read(stretch.offset, {static_cast<uint8_t *>(bytes.get()), wanted});
     auto data = Adopt(ValDataCreateWithBytesNoCopy(bytes.get(), length, std::free, bytes.get()));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/fs/file.hpp"
 
+#include "platform/process/passing_failures.hpp"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -8,6 +10,14 @@
 #include <new>
 
 namespace vellum {
+namespace {
+
+// Whether a file may well be there although it could not be opened.
+bool IsPassing(int error) noexcept {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EINTR || error == EAGAIN;
+}
+
+} // namespace
 
 TDescriptor::~TDescriptor() {
     if (descriptor_ >= 0) close(descriptor_);
@@ -21,6 +31,7 @@ TFileIdentity TFileIdentity::Of(const struct stat &status) noexcept {
 TDescriptor OpenRegularFile(const char *path, uint64_t limit, TFileIdentity *identity) noexcept {
     TDescriptor descriptor(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status;
+    if (!descriptor.IsOpen() && IsPassing(errno)) ++tPassingFailures;
     if (!descriptor.IsOpen() || fstat(descriptor.Get(), &status) != 0) return TDescriptor();
     if (!S_ISREG(status.st_mode) || static_cast<uint64_t>(status.st_size) > limit) return TDescriptor();
     *identity = TFileIdentity::Of(status);
@@ -47,10 +58,14 @@ std::optional<TBuffer> ReadWholeFile(const char *path, uint64_t limit) noexcept 
     try {
         TBuffer content(static_cast<size_t>(identity.size));
         const TReadResult result = ReadFully(descriptor.Get(), 0, content.Writable());
-        if (result.failed) return std::nullopt;
+        if (result.failed) {
+            ++tPassingFailures;
+            return std::nullopt;
+        }
         content.Cut(result.length);
         return content;
     } catch (const std::bad_alloc &) {
+        ++tPassingFailures;
         return std::nullopt;
     }
 }

@@ -48,7 +48,7 @@ bool Reserve(ValArray *array, size_t more) noexcept {
     if (more <= array->capacity - array->count) return true;
     if (more > kMaximumCount - array->count) return false;
     size_t capacity = std::max({array->count + more, array->capacity * 2, size_t{8}});
-    void *grown = std::realloc(array->on_heap ? array->items : nullptr, capacity * sizeof(void *));
+    void *grown = Reallocate(array->on_heap ? array->items : nullptr, capacity * sizeof(void *));
     if (!grown) return false;
     if (!array->on_heap && array->count) std::memcpy(grown, array->items, array->count * sizeof(void *));
     array->items = static_cast<const void **>(grown);

@@ -62,7 +62,7 @@ uint32_t CountPages(const PageBitmap &presence) noexcept {
 bool Reserve(ValCharacterSet *set, uint32_t pages) noexcept {
     if (pages <= set->page_capacity) return true;
     uint32_t capacity = std::clamp(set->page_capacity * 2, pages, kPageCount);
-    void *grown = std::realloc(set->on_heap ? set->pages : nullptr, capacity * sizeof(CharacterPage));
+    void *grown = Reallocate(set->on_heap ? set->pages : nullptr, capacity * sizeof(CharacterPage));
     if (!grown) return false;
     if (!set->on_heap && set->page_count) {
         std::memcpy(grown, set->pages, set->page_count * sizeof(CharacterPage));

@@ -57,7 +57,7 @@ bool ReserveData(ValData *data, size_t capacity) noexcept {
     if (capacity > kMaximumSize) return false;
     capacity = std::max(capacity, std::min(data->capacity * 2, kMaximumSize));
     bool on_heap = data->place == ValData::Place::kHeap;
-    auto *grown = static_cast<uint8_t *>(std::realloc(on_heap ? data->bytes : nullptr, capacity));
+    auto *grown = static_cast<uint8_t *>(Reallocate(on_heap ? data->bytes : nullptr, capacity));
     if (!grown) return false;
     if (!on_heap && data->length) std::memcpy(grown, data->bytes, data->length);
     data->place = ValData::Place::kHeap;

@@ -191,7 +191,7 @@ private:
     bool Grow() noexcept {
         size_t capacity = std::max<size_t>(size_t{capacity_} * 2, 4);
         if (capacity > kMaximumCapacity) return false;
-        void *memory = std::malloc(BytesFor(capacity));
+        void *memory = Allocate(BytesFor(capacity));
         if (!memory) return false;
         Entry *old = entries_;
         bool was_on_heap = std::exchange(on_heap_, true);

@@ -6,6 +6,8 @@
 // ports) do the same with type kValTypeOther, and can then live in any container.
 #pragma once
 
+#include "platform/process/passing_failures.hpp"
+
 #include <vellum/values.h>
 
 #include <atomic>
@@ -45,11 +47,23 @@ struct ValObject {
 // No block of memory is larger.
 inline constexpr size_t kMaximumSize = PTRDIFF_MAX;
 
+// malloc and realloc, counting failures.
+inline void *Allocate(size_t size) noexcept {
+    void *memory = std::malloc(size);
+    if (!memory) ++tPassingFailures;
+    return memory;
+}
+inline void *Reallocate(void *memory, size_t size) noexcept {
+    void *moved = std::realloc(memory, size);
+    if (!moved) ++tPassingFailures;
+    return moved;
+}
+
 // A new T in one allocation with `extra` bytes behind it, or null when memory is exhausted.
 template <class T, class... Arguments>
 T *AllocateObject(size_t extra, Arguments &&...arguments) noexcept {
     if (extra > kMaximumSize - sizeof(T)) return nullptr;
-    void *memory = std::malloc(sizeof(T) + extra);
+    void *memory = Allocate(sizeof(T) + extra);
     return memory ? new (memory) T(std::forward<Arguments>(arguments)...) : nullptr;
 }
 

@@ -16,7 +16,7 @@ bool TextBuffer::Grow(size_t more) noexcept {
     failed_ = true; // until there is memory
     if (more > kMaximumSize / 2 - length_) return false;
     size_t capacity = std::max(capacity_ * 2, length_ + more);
-    void *grown = std::realloc(bytes_ == in_place_ ? nullptr : bytes_, capacity);
+    void *grown = Reallocate(bytes_ == in_place_ ? nullptr : bytes_, capacity);
     if (!grown) return false;
     if (bytes_ == in_place_) std::memcpy(grown, in_place_, length_);
     bytes_ = static_cast<char *>(grown);
