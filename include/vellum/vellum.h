@@ -66,27 +66,29 @@ enum {
  * Keys of property dictionaries and of requests; each is a ValString. The comment names the type of
  * the value.
  */
-VL_EXPORT extern const ValString *const kVLFontPropertyName;           /* ValString: PostScript name */
-VL_EXPORT extern const ValString *const kVLFontPropertyFamilyName;     /* ValString */
-VL_EXPORT extern const ValString *const kVLFontPropertyFullName;       /* ValString */
-VL_EXPORT extern const ValString *const kVLFontPropertySubfamilyName;  /* ValString: style name */
-VL_EXPORT extern const ValString *const kVLFontPropertyVersionName;    /* ValString */
-VL_EXPORT extern const ValString *const kVLFontPropertyCopyrightName;  /* ValString */
-VL_EXPORT extern const ValString *const kVLFontPropertyInstanceName;   /* ValString */
-VL_EXPORT extern const ValString *const kVLFontPropertyLocalizedNames; /* ValDictionary */
-VL_EXPORT extern const ValString *const kVLFontPropertyTraits;         /* ValDictionary */
-VL_EXPORT extern const ValString *const kVLFontPropertyURL;            /* ValURL */
-VL_EXPORT extern const ValString *const kVLFontPropertyUUID;           /* ValUUID */
-VL_EXPORT extern const ValString *const kVLFontPropertyBookmark;       /* ValData */
-VL_EXPORT extern const ValString *const kVLFontPropertyCharacterSet;   /* ValCharacterSet */
-VL_EXPORT extern const ValString *const kVLFontPropertyVariationAxes;  /* ValArray of ValDictionary */
+VL_EXPORT extern const ValString *const kVLFontPropertyName;          /* ValString: PostScript name */
+VL_EXPORT extern const ValString *const kVLFontPropertyFamilyName;    /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyFullName;      /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertySubfamilyName; /* ValString: style name */
+VL_EXPORT extern const ValString *const kVLFontPropertyVersionName;   /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyCopyrightName; /* ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyInstanceName;  /* ValString */
+/* ValDictionary, from language (a canonical identifier) to ValDictionary, from key of names to ValString */
+VL_EXPORT extern const ValString *const kVLFontPropertyLocalizedNames;
+VL_EXPORT extern const ValString *const kVLFontPropertyTraits;        /* ValDictionary */
+VL_EXPORT extern const ValString *const kVLFontPropertyURL;           /* ValURL */
+VL_EXPORT extern const ValString *const kVLFontPropertyUUID;          /* ValUUID */
+VL_EXPORT extern const ValString *const kVLFontPropertyBookmark;      /* ValData */
+VL_EXPORT extern const ValString *const kVLFontPropertyCharacterSet;  /* ValCharacterSet */
+VL_EXPORT extern const ValString *const kVLFontPropertyVariationAxes; /* ValArray of ValDictionary */
 VL_EXPORT extern const ValString *const kVLFontPropertyVariations; /* ValDictionary: axis name to Float64 */
 VL_EXPORT extern const ValString *const kVLFontPropertySupportedLanguages; /* ValArray of ValString */
 VL_EXPORT extern const ValString *const kVLFontPropertyDesignLanguages;    /* ValArray of ValString */
 VL_EXPORT extern const ValString *const kVLFontPropertyEnabled;            /* ValNumber, SInt32: 1 or 0 */
 VL_EXPORT extern const ValString *const kVLFontPropertyPriority;           /* ValNumber, SInt64 */
 VL_EXPORT extern const ValString *const kVLFontPropertyFormat; /* ValNumber, SInt32: kVLFontFormat... */
-VL_EXPORT extern const ValString *const kVLFontPropertyStringEncoding;       /* ValNumber, SInt32 */
+VL_EXPORT extern const ValString
+    *const kVLFontPropertyStringEncoding; /* ValNumber, SInt32: ValStringEncoding */
 VL_EXPORT extern const ValString *const kVLFontPropertyIgnoreScriptAnalysis; /* ValBoolean */
 VL_EXPORT extern const ValString *const kVLFontPropertyFontRef;              /* ValNumber, SInt32 */
 VL_EXPORT extern const ValString *const kVLFontPropertyDirectory;            /* ValURL */
@@ -110,6 +112,17 @@ VL_EXPORT extern const ValString *const kVLFontTraitSymbolic; /* ValNumber, SInt
 VL_EXPORT extern const ValString *const kVLFontTraitWeight;   /* ValNumber, Float32: -1 to 1, 0 regular */
 VL_EXPORT extern const ValString *const kVLFontTraitWidth;    /* ValNumber, Float32: negative condensed */
 VL_EXPORT extern const ValString *const kVLFontTraitSlant;    /* ValNumber, Float32: angle / 180 degrees */
+
+/* Bits of kVLFontTraitSymbolic; the four highest are the class of the face, as sFamilyClass of OpenType's
+ * OS/2 table numbers it in its high byte: 1 to 5 and 7 have serifs, 8 has none, 9 is ornamental, 10 a
+ * script, 12 symbolic, 0 is not known. */
+enum {
+    kVLFontTraitItalic = 0x1,
+    kVLFontTraitBold = 0x2,
+    kVLFontTraitExpanded = 0x20,
+    kVLFontTraitCondensed = 0x40,
+    kVLFontTraitMonospace = 0x400
+};
 
 /*
  * Font URLs. A font file's URL names the file; "#" and parameters behind it name one face in it:
@@ -373,7 +386,7 @@ VL_EXPORT const ValArray *VLCopyNamesForFont(const ValURL *font, const ValString
  * A font-info file for a font file: the properties of all of its faces, computed now so that nobody has to
  * compute them again. Returns its content, and in *name (an owned ValString; set on success only) the name
  * under which it is looked for in the folder FontInfo of the framework's resources. Null when the file is
- * no font. Nothing is registered.
+ * no font, cannot be read just now, or would need more than 64 MiB. Nothing is registered.
  */
 VL_EXPORT const ValData *VLCreateFontInfoForFontFile(const ValURL *file,
                                                      const ValString **name) VL_NOEXCEPT;

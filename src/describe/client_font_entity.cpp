@@ -22,6 +22,16 @@ namespace vellum {
 
 namespace {
 
+constexpr size_t kUnicodeRangeWords = 4;
+
+// An array in the metadata, provided that all of its items are of one kind.
+Ref<const ValArray> CopyArray(const Ref<const ValDictionary> &metadata, const ValString &key,
+                              ValType items) {
+    const auto *array = metadata::Find<ValArray>(metadata.Get(), key);
+    const auto fits = [items](const void *item) { return ValGetType(item) == items; };
+    return std::ranges::all_of(Elements(array), fits) ? Retain(array) : nullptr;
+}
+
 // All records of the table, without the subtables behind them: those may take megabytes.
 uint32_t StringEncodingOfCmap(const GxFont *font) {
     constexpr size_t kHeader = 4, kRecord = 8, kUsualRecords = 16;
@@ -50,11 +60,9 @@ TClientFontEntity::TClientFontEntity(Ref<const GxFont> font, Ref<const ValDictio
     facts_->Keep(Fact::kMetadata, [&] { return std::move(metadata); });
 }
 
-const ValDictionary *TClientFontEntity::Metadata() const {
-    // The facts hold it as well.
+Ref<const ValDictionary> TClientFontEntity::Metadata() const {
     return Keep(Fact::kMetadata,
-                [this] { return TFontMetadata::CreateMetadataForFontURL(GetURL(), false); })
-        .Get();
+                [this] { return TFontMetadata::CreateMetadataForFontURL(CopyURL().Get(), false); });
 }
 
 Ref<const void> TClientFontEntity::CopyProperty(const ValString *key, bool all) const {
@@ -72,7 +80,8 @@ Ref<const ValURL> TClientFontEntity::CopyURL() const {
 }
 
 const ValURL *TClientFontEntity::GetURL() const {
-    return CopyURL().Get(); // the facts hold it as well
+    if (!url_) url_ = CopyURL();
+    return url_.Get();
 }
 
 Ref<const ValData> TClientFontEntity::CopyBookmark() const {
@@ -86,8 +95,8 @@ Ref<const ValCharacterSet> TClientFontEntity::CopyCharacterSet() const {
 }
 
 Ref<const ValArray> TClientFontEntity::CopyUnicodeRanges() const {
-    if (const auto *stated = metadata::Find<ValArray>(Metadata(), metadata::kUnicodeRanges))
-        return Retain(stated);
+    const auto stated = CopyArray(Metadata(), metadata::kUnicodeRanges, kValTypeNumber);
+    if (ValArrayGetCount(stated.Get()) == kUnicodeRangeWords) return stated;
     return Keep(Fact::kUnicodeRanges, [this] {
         OS2Table::TUnicodeRanges ranges{};
         OS2Table::GetUnicodeRangesFromCharacterSet(CopyCharacterSet().Get(), ranges, 0.0);
@@ -119,8 +128,7 @@ Ref<const ValDictionary> TClientFontEntity::CopyVariations() const {
 
 // The languages of the coverage stand first, those that only the table claims behind them.
 Ref<const ValArray> TClientFontEntity::CopySupportedLanguages() const {
-    if (const auto *stated = metadata::Find<ValArray>(Metadata(), metadata::kSupportedLanguages))
-        return Retain(stated);
+    if (auto stated = CopyArray(Metadata(), metadata::kSupportedLanguages, kValTypeString)) return stated;
     return Keep(Fact::kSupportedLanguages, [this]() -> Ref<const ValArray> {
         constexpr size_t kMuchMoreThanFields = 128;
         const auto claimed = OS2Table(GxFontCopyTable(font_.Get(), MakeTag("OS/2"), kMuchMoreThanFields))
@@ -139,12 +147,12 @@ Ref<const ValArray> TClientFontEntity::CopySupportedLanguages() const {
 }
 
 Ref<const ValArray> TClientFontEntity::CopyDesignLanguages() const {
-    return Retain(metadata::Find<ValArray>(Metadata(), metadata::kPrimaryScriptLanguages));
+    return CopyArray(Metadata(), metadata::kPrimaryScriptLanguages, kValTypeString);
 }
 
 Ref<const ValDictionary> TClientFontEntity::CopyTraits() const {
     return Keep(Fact::kTraits,
-                [this] { return TFontTraits(font_.Get(), Metadata()).CreateTraitsDictionary(); });
+                [this] { return TFontTraits(font_.Get(), Metadata().Get()).CreateTraitsDictionary(); });
 }
 
 Ref<const ValNumber> TClientFontEntity::CopyFormat() const {
@@ -154,14 +162,14 @@ Ref<const ValNumber> TClientFontEntity::CopyFormat() const {
 
 Ref<const ValNumber> TClientFontEntity::CopyStringEncoding() const {
     return Keep(Fact::kStringEncoding, [this] {
-        uint32_t encoding = TFontMetadata(Retain(Metadata())).GetStringEncoding();
+        uint32_t encoding = TFontMetadata(Metadata()).GetStringEncoding();
         if (encoding == TFontMetadata::kNoStringEncoding) encoding = StringEncodingOfCmap(font_.Get());
         return MakeNumber(static_cast<int32_t>(encoding));
     });
 }
 
 Ref<const ValBoolean> TClientFontEntity::CopyIgnoreScriptAnalysis() const {
-    if (!metadata::IsTrue(Metadata(), metadata::kIgnoreScriptAnalysis)) return nullptr;
+    if (!metadata::IsTrue(Metadata().Get(), metadata::kIgnoreScriptAnalysis)) return nullptr;
     return Retain(kValBooleanTrue);
 }
 

@@ -79,15 +79,15 @@ public:
     Ref<const ValString> CopyLocale() const;
     Ref<const ValNumber> CopyFlags() const;
 
-    // Borrowed: it lives as long as the font.
+    // Borrowed: it lives as long as the entity, which then belongs to one thread.
     const ValURL *GetURL() const;
 
     // Bits of kVLFontFlag....
     uint32_t GetFlags() const;
 
 private:
-    // Borrowed; null when there is none.
-    const ValDictionary *Metadata() const;
+    // Null when there is none.
+    Ref<const ValDictionary> Metadata() const;
 
     template <class Derive>
     auto Keep(Fact fact, Derive derive) const {
@@ -100,6 +100,7 @@ private:
     Ref<const GxFont> font_;
     std::unique_ptr<FaceFacts> own_; // when they are not the font's
     FaceFacts *facts_;
+    mutable Ref<const ValURL> url_; // what GetURL lent
 };
 
 } // namespace vellum

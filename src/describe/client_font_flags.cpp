@@ -41,17 +41,18 @@ uint32_t FlagsOfName(std::string_view postscript_name) noexcept {
 
 uint32_t TClientFontEntity::DeriveFlags() const {
     uint32_t flags = 0;
+    const auto metadata = Metadata();
     for (const FlagKey &row : kFlagKeys) {
-        if (metadata::IsTrue(Metadata(), row.key)) flags |= row.flags;
+        if (metadata::IsTrue(metadata.Get(), row.key)) flags |= row.flags;
     }
     const TValStr name(Retain(Cast<ValString>(CopyPostScriptName(false).Get())));
     if (const uint32_t known = FlagsOfName(name.View())) {
         flags |= known;
-    } else if (metadata::IsTrue(Metadata(), metadata::kIsInvisible) ||
+    } else if (metadata::IsTrue(metadata.Get(), metadata::kIsInvisible) ||
                IsHiddenName(CopyFamilyName(false)) || IsHiddenName(CopyFullName(false))) {
         flags |= kVLFontFlagHidden;
     }
-    if (TGxFont::IsInMemoryURL(GetURL())) flags |= kVLFontFlagHidden;
+    if (TGxFont::IsInMemoryURL(CopyURL().Get())) flags |= kVLFontFlagHidden;
     return flags;
 }
 

@@ -68,7 +68,8 @@ private:
 } // namespace
 
 Ref<const ValString> TClientFontEntity::CopyLocale() const {
-    const auto *language = metadata::Find<ValString>(Metadata(), metadata::kPrimaryLanguage);
+    const auto metadata = Metadata();
+    const auto *language = metadata::Find<ValString>(metadata.Get(), metadata::kPrimaryLanguage);
     if (!language) return nullptr;
     const std::string canonical = CanonicalLanguageIdentifier(Text(language));
     return canonical.empty() ? nullptr : TValStringUniquer().GetUniqueString(std::string_view(canonical));
@@ -87,7 +88,7 @@ Ref<const void> TClientFontEntity::CopyPostScriptName(bool all) const {
         names.Add(GxFontCopyPostScriptName(font_.Get()));
         names.AddName(GxNameKey::kPostScript);
         names.Add(CopyNameTablePostScriptName(font_.Get()));
-        names.AddAliases(Metadata(), metadata::kPostScriptNameAliases);
+        names.AddAliases(Metadata().Get(), metadata::kPostScriptNameAliases);
         return names.Publish();
     });
 }
@@ -101,7 +102,7 @@ Ref<const void> TClientFontEntity::CopyFamilyName(bool all) const {
         names.AddName(GxNameKey::kFamily);
         names.Add(GxFontCopyFamilyName(font_.Get()));
         names.AddLocalized({GxNameKey::kPreferredFamily, GxNameKey::kFamily});
-        names.AddAliases(Metadata(), metadata::kFamilyNameAliases);
+        names.AddAliases(Metadata().Get(), metadata::kFamilyNameAliases);
         return names.Publish();
     });
 }
@@ -113,7 +114,7 @@ Ref<const void> TClientFontEntity::CopyFullName(bool all) const {
         names.AddName(GxNameKey::kFull);
         names.Add(GxFontCopyFullName(font_.Get()));
         names.AddLocalized({GxNameKey::kFull});
-        names.AddAliases(Metadata(), metadata::kFullNameAliases);
+        names.AddAliases(Metadata().Get(), metadata::kFullNameAliases);
         return names.Publish();
     });
 }
@@ -133,7 +134,7 @@ Ref<const void> TClientFontEntity::CopySubfamilyName(bool all) const {
         names.AddName(GxNameKey::kSubfamily);
         names.AddLocalized({GxNameKey::kPreferredSubfamily, GxNameKey::kSubfamily});
         if (names.IsEmpty()) names.Add(DeriveStyle(font_.Get()));
-        names.AddAliases(Metadata(), metadata::kStyleNameAliases);
+        names.AddAliases(Metadata().Get(), metadata::kStyleNameAliases);
         return names.Publish();
     });
 }

@@ -21,6 +21,7 @@
 #include "platform/fs/file_properties.hpp"
 #include "platform/fs/link_target.hpp"
 #include "platform/log/log.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "platform/process/process.hpp"
 #include "platform/val/static_string.hpp"
 #include "values/val_array.hpp"
@@ -30,7 +31,10 @@
 #include <vellum/vellum.h>
 
 #include <algorithm>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace vellum {
 
@@ -129,6 +133,42 @@ Ref<const void> ReadMetadata(const std::string &font_name) {
     return content ? ReadPropertyList(content->View().data(), content->Size()) : nullptr;
 }
 
+// The last file that was read: the faces of one font file are mostly asked about one after the other, and
+// share what it says.
+class TLastMetadata {
+public:
+    Ref<const void> Copy(const std::string &font_name) {
+        const ValString *folder = sMetadataFolder.Path();
+        if (!folder) return nullptr;
+        const auto now =
+            ReadFileProperties(std::string(Text(folder)) + font_name + std::string(kFileNameEnd));
+        if (!now) return nullptr;
+        {
+            const std::lock_guard lock(mutex_);
+            if (file_ && file_->IsOfSameState(*now)) return content_;
+        }
+        const uint32_t failures = tPassingFailures;
+        auto content = ReadMetadata(font_name);
+        if (failures != tPassingFailures) return content;
+        auto replaced = content; // dies outside of the lock
+        const std::lock_guard lock(mutex_);
+        std::swap(content_, replaced);
+        file_ = now;
+        return content;
+    }
+
+private:
+    std::mutex mutex_; // guards what follows
+    std::optional<TFileProperties> file_;
+    Ref<const void> content_;
+};
+
+// Never destroyed: programs ask for fonts until they end.
+TLastMetadata &LastMetadata() {
+    static TLastMetadata &sLast = *new TLastMetadata;
+    return sLast;
+}
+
 const ValDictionary *FindEntry(const ValArray *entries, const TSoughtFile &file) {
     for (const void *item : Elements(entries)) {
         const auto *entry = Cast<ValDictionary>(item);
@@ -187,7 +227,7 @@ Ref<const ValDictionary> TFontMetadata::CreateMetadataForFontURL(const ValURL *u
     const TValStr path(Adopt(ValURLCopyFileSystemPath(url)));
     if (!path) return nullptr;
     const TSoughtFile file(path.View(), verify);
-    const auto metadata = ReadMetadata(file.Name());
+    const auto metadata = LastMetadata().Copy(file.Name());
     const ValDictionary *entry = FindEntry(Cast<ValArray>(metadata.Get()), file);
     if (!entry) return nullptr;
     CheckAccess(url);

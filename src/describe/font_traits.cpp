@@ -114,7 +114,7 @@ private:
         if (!mono) mono = MetadataString(kIsFixedPitchFlag.Get());
         if (mono) fixed_pitch = Text(mono) == "TRUE";
         const void *angle = ValDictionaryGetValue(metadata_, kItalicAngle.Get());
-        if (Cast<ValNumber>(angle)) slant = static_cast<float>(ReadFloat64(angle)) / 180;
+        if (Cast<ValNumber>(angle)) slant = SlantOfAngle(ReadFloat64(angle));
         if (const ValString *text = MetadataString(kWidthDescriptor.Get())) {
             width = FindExactly(kWidthDescriptors, Text(text));
         }
@@ -122,6 +122,13 @@ private:
             weight = FindExactly(kWeightDescriptors, Text(text));
         }
         if (const ValString *text = MetadataString(kFountClass.Get())) face_class = ClassOfName(Text(text));
+    }
+
+    // Nothing for what no angle can be.
+    static std::optional<float> SlantOfAngle(double degrees) noexcept {
+        constexpr double kFullTurn = 360;
+        if (!(std::fabs(degrees) <= kFullTurn)) return std::nullopt;
+        return static_cast<float>(degrees) / 180;
     }
 
     // A class of another name is settled, as none.
@@ -222,7 +229,8 @@ private:
         if (!hmtx) return;
         fixed_pitch = hmtxTable(std::move(hmtx), metrics).IsFixedPitch();
         if (fixed_pitch.Value())
-            fixed_pitch = hmtxTable(GxFontCopyTable(font_, MakeTag("hmtx")), metrics).IsFixedPitch();
+            fixed_pitch = hmtxTable(GxFontCopyTable(font_, MakeTag("hmtx"), size_t{4} * metrics), metrics)
+                              .IsFixedPitch();
     }
 
     void AskPost(const postTable &table) noexcept {
@@ -273,11 +281,11 @@ TFontTraits::TFontTraits(const GxFont *font, const ValDictionary *metadata) {
     width_ = derivation.width.Value();
     slant_ = derivation.slant.Value();
     if (std::fabs(slant_) < kLeastSlant) slant_ = 0;
-    if (weight_ > kLeastBold) symbolic_ |= kTraitBold;
-    if (width_ > kLeastWidth) symbolic_ |= kTraitExpanded;
-    if (width_ < -kLeastWidth) symbolic_ |= kTraitCondensed;
-    if (std::fabs(slant_) > kLeastItalic) symbolic_ |= kTraitItalic;
-    if (derivation.fixed_pitch.Value()) symbolic_ |= kTraitMonospace;
+    if (weight_ > kLeastBold) symbolic_ |= kVLFontTraitBold;
+    if (width_ > kLeastWidth) symbolic_ |= kVLFontTraitExpanded;
+    if (width_ < -kLeastWidth) symbolic_ |= kVLFontTraitCondensed;
+    if (std::fabs(slant_) > kLeastItalic) symbolic_ |= kVLFontTraitItalic;
+    if (derivation.fixed_pitch.Value()) symbolic_ |= kVLFontTraitMonospace;
     symbolic_ |= derivation.face_class.Value() << kClassShift;
 }
 

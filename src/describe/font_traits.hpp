@@ -14,15 +14,6 @@
 
 namespace vellum {
 
-// Bits of the symbolic traits; the four highest bits are the class of the face.
-enum SymbolicTraits : uint32_t {
-    kTraitItalic = 0x1,
-    kTraitBold = 0x2,
-    kTraitExpanded = 0x20,
-    kTraitCondensed = 0x40,
-    kTraitMonospace = 0x400,
-};
-
 class TFontTraits {
 public:
     // Throws std::bad_alloc. `metadata`, what accompanies the face, may be null.

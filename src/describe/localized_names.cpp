@@ -58,7 +58,8 @@ Ref<const ValDictionary> CopyNamesInLanguage(const GxFont *font, std::string_vie
     return names.IsEmpty() ? nullptr : names.Publish();
 }
 
-// Records of no language are listed as English ones, where there are no others.
+// Records of no language are listed as English ones, and instead of English ones that stand behind them:
+// deliberate, as the first stays. The preferred names do prefer what says that it is English.
 Ref<const ValString> KeyOfLanguage(std::string_view language) {
     return TValStringUniquer().GetUniqueString(language.empty() ? std::string_view("en") : language);
 }

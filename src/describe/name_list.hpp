@@ -16,11 +16,10 @@ public:
     }
 
     // An alias, or an array of them, whether the list holds them already or not; what is no string is
-    // passed over.
+    // passed over, and so is what would make the list longer than any face's.
     void AddAliases(const void *aliases) {
-        if (const auto *alias = Cast<ValString>(aliases))
-            names_.Append(TValStringUniquer().GetUniqueString(alias).Get());
-        for (const void *alias : Elements(Cast<ValArray>(aliases))) AddAliases(Cast<ValString>(alias));
+        if (const auto *alias = Cast<ValString>(aliases)) AddAlias(alias);
+        for (const void *alias : Elements(Cast<ValArray>(aliases))) AddAlias(Cast<ValString>(alias));
     }
 
     bool IsEmpty() const noexcept { return names_.IsEmpty(); }
@@ -29,6 +28,14 @@ public:
     Ref<const ValArray> Publish() { return names_.IsEmpty() ? nullptr : names_.Publish(); }
 
 private:
+    // More names than any face goes by.
+    static constexpr size_t kMaximumNames = 1024;
+
+    void AddAlias(const ValString *alias) {
+        if (alias && names_.Count() < kMaximumNames)
+            names_.Append(TValStringUniquer().GetUniqueString(alias).Get());
+    }
+
     TValMutableArray names_;
 };
 

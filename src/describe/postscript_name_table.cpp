@@ -15,7 +15,8 @@ namespace {
 constexpr size_t kFirstRecord = 6;
 constexpr size_t kRecordSize = 12;
 constexpr uint16_t kPostScriptNameID = 6;
-constexpr uint16_t kMostRecords = 1024; // more are not believed
+constexpr uint16_t kMostRecords = 1024;   // more are not believed
+constexpr size_t kMostBytes = 256u << 10; // all records, and the text that they can reach
 
 struct NameRecord {
     uint16_t platform, encoding, language, name, length, offset;
@@ -52,7 +53,7 @@ std::optional<ValStringEncoding> EncodingOf(const NameRecord &record) {
 } // namespace
 
 Ref<const ValString> CopyNameTablePostScriptName(const GxFont *font) {
-    const TableBytes table(GxFontCopyTable(font, MakeTag("name")));
+    const TableBytes table(GxFontCopyTable(font, MakeTag("name"), kMostBytes));
     const size_t count = std::min(table.U16(2), kMostRecords);
     const size_t storage = table.U16(4);
     for (size_t i = 0; i < count; ++i) {

@@ -6,9 +6,16 @@
 #include "describe/font_info.hpp"
 #include "describe/gx_font_wrapper.hpp"
 #include "platform/fs/file_properties.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "values/val_array.hpp"
+#include "values/val_dictionary.hpp"
 #include "values/val_str.hpp"
 #include "values/val_url.hpp"
+
+#include <vellum/vellum.h>
+
+#include <string>
+#include <string_view>
 
 namespace vellum {
 
@@ -18,11 +25,28 @@ bool IsNamed(const TFontEntity &face, const TValStr &fragment) {
     return !fragment || face.MatchesFragment(fragment.Get());
 }
 
+// Properties without what tells where the file lies: readers know better, and the same font gives the same
+// bytes everywhere.
+Ref<const ValDictionary> WithoutPlace(const ValDictionary *properties, std::string_view file_name) {
+    TValMutableDict kept;
+    size_t cursor = 0;
+    for (const void *key, *value; ValDictionaryNext(properties, &cursor, &key, &value);) {
+        if (!ValEqual(key, kVLFontPropertyBookmark)) kept.Set(key, value);
+    }
+    const auto *url = Cast<ValURL>(ValDictionaryGetValue(properties, kVLFontPropertyURL));
+    const TValStr fragment(Adopt(ValURLCopyFragment(url)));
+    const TValURL here = TValURL::FromPath("/" + std::string(file_name)).WithFragment(fragment);
+    kept.Remove(kVLFontPropertyURL);
+    kept.Set(kVLFontPropertyURL, here.Get());
+    return kept.Publish();
+}
+
 Ref<const ValDictionary> CopyPrepared(const ValURL *url, const TValStr &fragment) {
     const auto faces = TFontInfo::CreateFontInfoForFontURL(url);
     for (const void *item : Elements(faces.Get())) {
         auto properties = Retain(static_cast<const ValDictionary *>(item));
-        if (IsNamed(TBasicFontEntity(properties), fragment)) return properties;
+        const TBasicFontEntity face(properties);
+        if (IsNamed(face, fragment)) return face.CopyRegistrationProperties();
     }
     return nullptr;
 }
@@ -48,14 +72,19 @@ Ref<const ValDictionary> CopyRegistrationInfo(const ValURL *url, bool use_font_i
 
 FontInfoFile MakeFontInfo(const ValURL *url) {
     const TValURL file = TValURL(Retain(url)).Absolute().WithFragment(TValStr());
+    const std::string path(file.Path().View());
+    const uint32_t failures = tPassingFailures;
+    const auto properties = ReadFileProperties(path);
     const auto fonts = CreateFontsFromURL(file.Get());
-    const auto properties = ReadFileProperties(std::string(file.Path().View()));
     if (!fonts || !properties || TGxFont::IsInMemoryURL(file.Get())) return {};
     TValMutableArray faces;
     for (const void *font : Elements(fonts.Get())) {
         const TClientFontEntity face(Retain(static_cast<const GxFont *>(font)));
-        faces.Append(face.CopyRegistrationProperties().Get());
+        faces.Append(WithoutPlace(face.CopyRegistrationProperties().Get(), properties->name).Get());
     }
+    // Nobody would notice that something is missing, or of another file.
+    const auto now = ReadFileProperties(path);
+    if (failures != tPassingFailures || !now || !now->IsOfSameState(*properties)) return {};
     const std::string name = FontInfoFileName(properties->name, properties->size, properties->fork_size);
     return {OrBadAlloc(Adopt(ValStringCreateWithFileSystemRepresentation(name.data(), name.size()))),
             TFontInfo::FlattenFontInfo(faces.Publish().Get())};

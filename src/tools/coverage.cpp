@@ -12,6 +12,7 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> paths;
-    std::string language; // empty: all that are known
+    std::optional<std::string> language; // none: all that are known
     bool missing = false;
     bool json = false;
 };
@@ -65,11 +66,16 @@ std::vector<Language> AllLanguages() {
     return languages;
 }
 
+// The members of a small set that another one lacks.
 Ref<const ValCharacterSet> Without(const ValCharacterSet *set, const ValCharacterSet *others) {
-    auto rest = Adopt(ValCharacterSetCreateMutableCopy(set));
+    auto rest = Adopt(ValCharacterSetCreateMutable());
     uint32_t first = UINT32_MAX, last = UINT32_MAX;
-    while (ValCharacterSetNextRange(others, &first, &last)) {
-        if (!ValCharacterSetRemoveRange(rest.Get(), first, last)) throw std::bad_alloc();
+    while (ValCharacterSetNextRange(set, &first, &last)) {
+        for (uint32_t character = first; character <= last; ++character) {
+            const bool covered = ValCharacterSetContains(others, character);
+            if (!covered && !ValCharacterSetAddRange(rest.Get(), character, character))
+                throw std::bad_alloc();
+        }
     }
     return rest;
 }
@@ -154,35 +160,54 @@ void ShowAll(std::vector<Share> shares, bool missing) {
         if (share.Lacking() != 0 && share.Percent() >= 50) ShowOne(share, missing);
 }
 
+// Shows each face in its turn, in one form or the other.
+class Shower {
+public:
+    explicit Shower(const Options &options)
+        : options_(options),
+          languages_(options.language ? OneLanguage(*options.language) : AllLanguages()) {
+        if (options.json) document_.emplace(std::cout, "vellum.coverage", 1);
+    }
+
+    void Show(const ValDictionary *face) {
+        const auto *coverage =
+            static_cast<const ValCharacterSet *>(ValDictionaryGetValue(face, kVLFontPropertyCharacterSet));
+        const auto shares = SharesOf(coverage, languages_);
+        complete_ = complete_ &&
+                    std::ranges::all_of(shares, [](const Share &share) { return share.Lacking() == 0; });
+        if (document_) return document_->Add(ToJson(face, shares));
+        std::cout << NameOf(face) << ": " << Grouped(ValCharacterSetGetCount(coverage)) << " characters\n";
+        if (options_.language)
+            ShowOne(shares.front(), options_.missing);
+        else
+            ShowAll(shares, options_.missing);
+    }
+
+    void Finish(const std::vector<Refusal> &refusals) {
+        if (document_) document_->Finish(tool::ToJson(refusals));
+    }
+
+    // Whether every face has all of the language that was asked for.
+    bool IsComplete() const { return complete_ || !options_.language; }
+
+private:
+    const Options &options_;
+    const std::vector<Language> languages_;
+    std::optional<FaceDocument> document_;
+    bool complete_ = true;
+};
+
 int Coverage(const Options &options) {
-    const auto languages = options.language.empty() ? AllLanguages() : OneLanguage(options.language);
     const void *const keys[] = {kVLFontPropertyURL, kVLFontPropertyName, kVLFontPropertyFullName,
                                 kVLFontPropertyCharacterSet};
     const auto key_set = Adopt(ValSetCreate(keys, std::size(keys)));
-    Json faces = Json::array();
-    bool complete = true;
-    const Outcome outcome = ForEachFace(FindFontFiles(options.paths), key_set.Get(), [&](const auto *face) {
-        const auto *coverage =
-            static_cast<const ValCharacterSet *>(ValDictionaryGetValue(face, kVLFontPropertyCharacterSet));
-        const auto shares = SharesOf(coverage, languages);
-        complete = complete &&
-                   std::ranges::all_of(shares, [](const Share &share) { return share.Lacking() == 0; });
-        if (options.json) return faces.push_back(ToJson(face, shares));
-        std::cout << NameOf(face) << ": " << Grouped(ValCharacterSetGetCount(coverage)) << " characters\n";
-        if (options.language.empty())
-            ShowAll(shares, options.missing);
-        else
-            ShowOne(shares.front(), options.missing);
-    });
-    if (options.json) {
-        Json document = Document("vellum.coverage", 1);
-        document["faces"] = std::move(faces);
-        document["refused"] = ToJson(outcome.refusals);
-        std::cout << Dump(document, 2) << '\n';
-    }
+    Shower shower(options);
+    const Outcome outcome = ForEachFace(FindFontFiles(options.paths), key_set.Get(),
+                                        [&](const ValDictionary *face) { shower.Show(face); });
+    shower.Finish(outcome.refusals);
     Report(outcome.refusals);
     const ExitCode code = Judge(outcome);
-    return code == kDone && !options.language.empty() && !complete ? kNothingFound : code;
+    return code == kDone && !shower.IsComplete() ? kNothingFound : code;
 }
 
 } // namespace

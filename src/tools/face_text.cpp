@@ -28,8 +28,11 @@ struct Bit {
     uint32_t bit;
     const char *text;
 };
-constexpr Bit kTraitBits[] = {
-    {0x2, "bold"}, {0x1, "italic"}, {0x20, "expanded"}, {0x40, "condensed"}, {0x400, "monospaced"}};
+constexpr Bit kTraitBits[] = {{kVLFontTraitBold, "bold"},
+                              {kVLFontTraitItalic, "italic"},
+                              {kVLFontTraitExpanded, "expanded"},
+                              {kVLFontTraitCondensed, "condensed"},
+                              {kVLFontTraitMonospace, "monospaced"}};
 constexpr Bit kFlagBits[] = {{kVLFontFlagHidden, "hidden"},
                              {kVLFontFlagSystem, "of the system"},
                              {kVLFontFlagCritical, "critical"},
@@ -45,6 +48,40 @@ constexpr const char *kClasses[] = {nullptr,         "old-style serifs", "transi
                                     "ornamental",    "script",           nullptr,
                                     "symbolic"};
 
+// The scripts of platform 1, as OpenType's cmap table numbers them: legacy encodings have their numbers.
+constexpr const char *kScripts[] = {"Roman",
+                                    "Japanese",
+                                    "Traditional Chinese",
+                                    "Korean",
+                                    "Arabic",
+                                    "Hebrew",
+                                    "Greek",
+                                    "Cyrillic",
+                                    "symbols",
+                                    "Devanagari",
+                                    "Gurmukhi",
+                                    "Gujarati",
+                                    "Oriya",
+                                    "Bengali",
+                                    "Tamil",
+                                    "Telugu",
+                                    "Kannada",
+                                    "Malayalam",
+                                    "Sinhala",
+                                    "Burmese",
+                                    "Khmer",
+                                    "Thai",
+                                    "Lao",
+                                    "Georgian",
+                                    "Armenian",
+                                    "Simplified Chinese",
+                                    "Tibetan",
+                                    "Mongolian",
+                                    "Ethiopic",
+                                    "Slavic",
+                                    "Vietnamese",
+                                    "Sindhi"};
+
 std::string TextAt(const Json &face, const char *name) {
     const Json &answer = face.at(name);
     return answer.is_string() ? answer.get<std::string>() : std::string();
@@ -59,7 +96,8 @@ std::string Named(uint32_t bits, std::span<const Bit> names, std::string text = 
 
 std::string Join(const Json &texts) {
     std::string line;
-    for (const Json &text : texts) line += (line.empty() ? "" : " ") + text.get<std::string>();
+    for (const Json &text : texts)
+        if (text.is_string()) line += (line.empty() ? "" : " ") + text.get<std::string>();
     return line;
 }
 
@@ -105,12 +143,11 @@ std::string DescribePlaces(const Json &variations) {
     return text.str();
 }
 
-// Legacy encodings have the numbers of scripts; 0 is Roman, 256 Unicode.
 std::string DescribeEncoding(const Json &encoding) {
     if (encoding.is_null()) return {};
     const auto number = encoding.get<uint32_t>();
     if (number == kValStringEncodingUnicode) return {}; // as almost every font
-    return number == 0 ? "Roman (0)" : "script " + std::to_string(number);
+    return number < std::size(kScripts) ? kScripts[number] : "script " + std::to_string(number);
 }
 
 // The names by which speakers of other languages know the face.

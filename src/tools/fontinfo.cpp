@@ -4,16 +4,20 @@
 #include "tools/file_faces.hpp"
 #include "tools/progress.hpp"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace vellum::tool {
@@ -41,19 +45,45 @@ std::optional<FontInfo> MakeFontInfo(const std::string &path) {
     return FontInfo{Bytes(owned.Get()), std::move(content)};
 }
 
-// Whole or not at all: readers never see half a file.
-void WriteWhole(const fs::path &path, const ValData *content) {
-    const fs::path unfinished = path.native() + ".part";
-    std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char *>(ValDataGetBytes(content)),
-               static_cast<std::streamsize>(ValDataGetLength(content)));
-    file.close();
-    std::error_code error;
-    if (file) fs::rename(unfinished, path, error);
-    if (file && !error) return;
-    const std::string reason = file ? error.message() : "it could not be written";
-    fs::remove(unfinished, error);
-    throw std::runtime_error(path.native() + ": " + reason);
+// A file that is taken away again unless it has been put in its place.
+class UnfinishedFile {
+public:
+    explicit UnfinishedFile(const fs::path &folder) : path_((folder / ".vellum-XXXXXX").native()) {
+        descriptor_ = ::mkstemp(path_.data());
+    }
+    UnfinishedFile(const UnfinishedFile &) = delete;
+    UnfinishedFile &operator=(const UnfinishedFile &) = delete;
+    ~UnfinishedFile() {
+        if (descriptor_ < 0) return;
+        ::close(descriptor_);
+        if (!placed_) ::unlink(path_.c_str());
+    }
+
+    // Writes all of it and puts it in its place. False, with errno, when that fails.
+    bool Place(const ValData *content, const fs::path &place) {
+        constexpr mode_t kReadByAll = 0644;
+        const auto *bytes = ValDataGetBytes(content);
+        for (size_t done = 0; done < ValDataGetLength(content);) {
+            const ssize_t written = ::write(descriptor_, bytes + done, ValDataGetLength(content) - done);
+            if (written < 0 && errno != EINTR) return false;
+            done += static_cast<size_t>(std::max<ssize_t>(written, 0));
+        }
+        placed_ = ::fchmod(descriptor_, kReadByAll) == 0 && ::rename(path_.c_str(), place.c_str()) == 0;
+        return placed_;
+    }
+
+    bool IsOpen() const { return descriptor_ >= 0; }
+
+private:
+    std::string path_;
+    int descriptor_;
+    bool placed_ = false;
+};
+
+// Whole or not at all: readers never see half a file, and two who write the same one do not meet.
+bool WriteWhole(const fs::path &path, const ValData *content) {
+    UnfinishedFile file(path.parent_path());
+    return file.IsOpen() && file.Place(content, path);
 }
 
 // Writes the font info of one font file after the other.
@@ -69,7 +99,8 @@ public:
             return refusals_.push_back({path, "a font info of the same name was made of " +
                                                   Printable(known->second) + " already"});
         const fs::path target = fs::path(options_.folder) / info->name;
-        if (!options_.dry_run) WriteWhole(target, info->content.Get());
+        if (!options_.dry_run && !WriteWhole(target, info->content.Get()))
+            return RefuseToWrite(path, target);
         std::cout << Printable(target.native()) << '\n';
     }
 
@@ -77,6 +108,14 @@ public:
     void Refuse(const std::vector<Refusal> &refusals) { refusals_ = refusals; }
 
 private:
+    void RefuseToWrite(const std::string &path, const fs::path &target) {
+        const int error = errno;
+        written_.erase(target.filename().native());
+        refusals_.push_back({path,
+                             Printable(target.native()) + " cannot be written: " + std::strerror(error),
+                             true, error == EACCES || error == EPERM || error == EROFS});
+    }
+
     const Options &options_;
     std::map<std::string, std::string> written_; // from name to font file
     std::vector<Refusal> refusals_;
@@ -84,7 +123,13 @@ private:
 
 int BuildAll(const Options &options) {
     const FontFiles files = FindFontFiles(options.paths);
-    if (!options.dry_run) fs::create_directories(options.folder);
+    std::error_code error;
+    if (!options.dry_run && !fs::is_directory(options.folder) &&
+        !fs::create_directories(options.folder, error)) {
+        std::cerr << "vellum: " << Printable(options.folder)
+                  << ": this folder cannot be made: " << error.message() << '\n';
+        return error == std::errc::permission_denied ? kRefused : kNothingFound;
+    }
     Builder builder(options);
     builder.Refuse(files.refusals);
     Progress progress(files.paths.size(), ::isatty(STDERR_FILENO) != 0);

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> paths;
-    std::string property;
+    std::optional<std::string> property; // none: all
     bool json = false;
     bool jsonl = false;
 };
@@ -31,12 +32,9 @@ Outcome InspectAll(const FontFiles &files, const FaceQuestion &question, Show sh
 }
 
 Outcome ShowDocument(const FontFiles &files, const FaceQuestion &question) {
-    Json faces = Json::array();
-    Outcome outcome = InspectAll(files, question, [&](const Json &face) { faces.push_back(face); });
-    Json document = Document("vellum.inspect", 1);
-    document["faces"] = std::move(faces);
-    document["refused"] = ToJson(outcome.refusals);
-    std::cout << Dump(document, 2) << '\n';
+    FaceDocument document(std::cout, "vellum.inspect", 1);
+    Outcome outcome = InspectAll(files, question, [&](const Json &face) { document.Add(face); });
+    document.Finish(ToJson(outcome.refusals));
     return outcome;
 }
 
@@ -60,7 +58,7 @@ Outcome ShowText(const FontFiles &files, const FaceQuestion &question) {
 }
 
 int Inspect(const Options &options) {
-    const auto question = options.property.empty() ? FaceQuestion() : FaceQuestion(options.property);
+    const auto question = options.property ? FaceQuestion(*options.property) : FaceQuestion();
     const FontFiles files = FindFontFiles(options.paths);
     const Outcome outcome = options.json    ? ShowDocument(files, question)
                             : options.jsonl ? ShowLines(files, question)

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/text.hpp"
 
+#include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <iterator>
 #include <new>
 
@@ -26,6 +28,36 @@ void AppendHex(std::string &text, uint32_t number) {
     text.append(digits, std::to_chars(digits, std::end(digits), number, 16).ptr);
 }
 
+uint8_t ByteAt(std::string_view text, size_t place) {
+    return place < text.size() ? static_cast<uint8_t>(text[place]) : uint8_t{0};
+}
+
+// How many bytes the character takes that a text begins with, if it does something to the terminal instead
+// of being shown: a control character (the second block of them, U+0080 to U+009F, is C2 80 to C2 9F), one
+// that ends a line (U+2028, U+2029), or one that turns the direction of what follows (U+202A to U+202E,
+// U+2066 to U+2069). Else 0.
+size_t LengthOfCommand(std::string_view text) {
+    const uint8_t first = ByteAt(text, 0), second = ByteAt(text, 1), third = ByteAt(text, 2);
+    if (first < 0x20 || first == 0x7F) return 1;
+    if (first == 0xC2 && second >= 0x80 && second < 0xA0) return 2;
+    const bool turns = (second == 0x80 && third >= 0xA8 && third <= 0xAE) ||
+                       (second == 0x81 && third >= 0xA6 && third <= 0xA9);
+    return first == 0xE2 && turns ? 3 : 0;
+}
+
+// "\x1b", "\u202e".
+std::string Escaped(std::string_view character) {
+    char text[16];
+    if (character.size() == 3) {
+        const unsigned code =
+            0x2000U | (ByteAt(character, 1) & 0x3FU) << 6 | (ByteAt(character, 2) & 0x3FU);
+        std::snprintf(text, sizeof text, "\\u%04x", code);
+    } else {
+        std::snprintf(text, sizeof text, "\\x%02x", ByteAt(character, character.size() - 1));
+    }
+    return text;
+}
+
 const void *ValueAt(const ValDictionary *dictionary, const void *key, ValType type) {
     const void *value = ValDictionaryGetValue(dictionary, key);
     return ValGetType(value) == type ? value : nullptr;
@@ -47,19 +79,11 @@ std::optional<std::string> Text(const ValString *string) {
 }
 
 std::string Printable(std::string_view text) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
     std::string shown;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        // The second block of control characters, U+0080 to U+009F, is C2 80 to C2 9F in UTF-8.
-        const bool starts_control =
-            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-        if (byte >= 0x20 && byte != 0x7F && !starts_control) {
-            shown += text[i];
-            continue;
-        }
-        const auto code = starts_control ? static_cast<unsigned char>(text[++i]) : byte;
-        shown += {'\\', 'x', kDigits[code >> 4], kDigits[code & 0xF]};
+    while (!text.empty()) {
+        const size_t length = LengthOfCommand(text);
+        shown += length == 0 ? std::string(1, text[0]) : Escaped(text.substr(0, length));
+        text.remove_prefix(std::max<size_t>(length, 1));
     }
     return shown;
 }

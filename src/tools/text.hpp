@@ -18,8 +18,8 @@ std::string Bytes(const ValString *string);
 // The text of a string, as JSON wants it: what is no Unicode is replaced. Nothing for null.
 std::optional<std::string> Text(const ValString *string);
 
-// Text as it may be shown to people: control characters, with which a name in a font could drive
-// the terminal, are written as \x and two digits.
+// Text as it may be shown to people: characters with which a name in a font could drive the terminal, or
+// turn what is shown around, are written as \x and two digits, or \u and four.
 std::string Printable(std::string_view text);
 
 // RFC 4648, with padding.

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What an entity over a live font answers: names, formats, axes.
-#include "describe/client_font_entity.hpp"
-#include "describe/gx_font_wrapper.hpp"
-#include "support/font_builder.hpp"
-#include "support/named_font.hpp"
-#include "support/values.hpp"
+#include "describe/entities.hpp"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace vellum::test {
 namespace {
@@ -14,20 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 
 TClientFontEntity Entity(const Bytes &bytes) {
-    return TClientFontEntity(TGxFont(AsData(bytes).Get()).Font());
-}
-
-TClientFontEntity WithNames(const std::vector<NameRecord> &names) {
-    return Entity(FontBuilder().Names(names).Build());
-}
-
-std::vector<std::string> All(const Ref<const void> &names) {
-    if (ValGetType(names.Get()) != kValTypeArray) return {"(no array)"};
-    return Texts(Retain(static_cast<const ValArray *>(names.Get())));
-}
-
-std::string StyleOf(const std::vector<NameRecord> &names) {
-    return TextOf(WithNames(names).CopySubfamilyName(false));
+    return TClientFontEntity(FontOf(bytes));
 }
 
 TEST(EntityNames, ThePreferredOneIsAString) {
@@ -57,26 +41,6 @@ TEST(EntityNames, ThePreferredFamilyAndStyleComeFirst) {
 TEST(EntityNames, EqualNamesOfDifferentFacesAreOneObject) {
     const auto a = Entity(MakeFont({"Foo", "Bold"})), b = Entity(MakeFont({"Foo", "Light"}));
     EXPECT_EQ(a.CopyFamilyName(false).Get(), b.CopyFamilyName(false).Get());
-}
-
-TEST(EntityNames, AStyleIsWhatTheFullNameAddsToTheFamily) {
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo Bold"), WindowsName(6, "X")}), "Bold");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo-Italic"), WindowsName(6, "X")}),
-              "Italic");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo"), WindowsName(6, "X")}), "Regular");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo--"), WindowsName(6, "X")}), "(null)");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(4, "Foo - Bold"), WindowsName(6, "X")}),
-              "- Bold");
-    EXPECT_EQ(StyleOf({WindowsName(1, "Foo"), WindowsName(6, "Foo-Bold")}), "Foo-Bold");
-    EXPECT_EQ(StyleOf({WindowsName(4, "Foo Bold"), WindowsName(6, "X")}), "Foo Bold");
-}
-
-TEST(EntityNames, ThePostScriptNameOfAnySystemIsAmongThem) {
-    // The parser prefers English; the first record in the file counts as well.
-    const auto entity =
-        WithNames({MacintoshName(6, "Mac-Name"), WindowsName(1, "Foo"), WindowsName(6, "Win-Name")});
-    EXPECT_EQ(TextOf(entity.CopyPostScriptName(false)), "Win-Name");
-    EXPECT_THAT(All(entity.CopyPostScriptName(true)), ElementsAre("Win-Name", "Mac-Name"));
 }
 
 TEST(EntityProperties, AnswerByKey) {
@@ -125,49 +89,6 @@ TEST(EntityAxes, AFontWithoutAxesHasNone) {
     const auto entity = Entity(MakeFont({"Foo"}));
     EXPECT_FALSE(entity.CopyVariationAxes());
     EXPECT_FALSE(entity.CopyVariations());
-}
-
-// ---- formats ----
-
-class Format : public ::testing::Test {
-protected:
-    int32_t FormatOf(const char *name, const FontBuilder &font) {
-        const auto url = folder.Add(name, font.Build());
-        const TClientFontEntity entity(CreateFontFromURL(url.Get()));
-        return ValNumberGetSInt32(entity.CopyFormat().Get());
-    }
-    static FontBuilder Plain() { return FontBuilder().Without("GSUB"); }
-
-    FontFolder folder;
-};
-
-TEST_F(Format, OutlinesAndLayoutTablesDecide) {
-    EXPECT_EQ(FormatOf("plain.ttf", Plain()), kVLFontFormatTrueType);
-    EXPECT_EQ(FormatOf("layout.ttf", Plain().Table("GSUB", {0})), kVLFontFormatOpenTypeTrueType);
-    EXPECT_EQ(FormatOf("signed.ttf", Plain().Table("DSIG", {0})), kVLFontFormatOpenTypeTrueType);
-    const auto cff =
-        Plain().Without("glyf").Without("loca").Table("CFF ", {0}).Flavor(FontBuilder::kOpenType);
-    EXPECT_EQ(FormatOf("plain.otf", cff), kVLFontFormatPostScript);
-    EXPECT_EQ(FormatOf("layout.otf", FontBuilder(cff).Table("GPOS", {0})), kVLFontFormatOpenTypePostScript);
-}
-
-TEST_F(Format, OutlinesWithoutTheirLocationsAreNotRecognized) {
-    EXPECT_EQ(FormatOf("a.ttf", Plain().Without("loca")), kVLFontFormatUnrecognized);
-    EXPECT_EQ(FormatOf("b.ttf", Plain().Without("loca").Table("bdat", {0}).Table("bloc", {0})),
-              kVLFontFormatBitmap);
-}
-
-TEST_F(Format, ATrueTypeFileWithoutOutlinesIsBitmapOrPostScript) {
-    const auto empty = Plain().Without("glyf").Without("loca");
-    EXPECT_EQ(FormatOf("bitmap.ttf", FontBuilder(empty).Table("bdat", {0}).Table("bloc", {0})),
-              kVLFontFormatBitmap);
-    // Deliberate: bitmaps under the newer tags are not looked for.
-    EXPECT_EQ(FormatOf("newer.ttf", FontBuilder(empty).Table("EBDT", {0}).Table("EBLC", {0})),
-              kVLFontFormatPostScript);
-}
-
-TEST_F(Format, AFontInMemoryHasNoFileAndSoNoFormat) {
-    EXPECT_EQ(ValNumberGetSInt32(Entity(MakeFont({"Foo"})).CopyFormat().Get()), kVLFontFormatUnrecognized);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Weight, width, slant, pitch and class of a face: which source is asked when, and what it says.
+#include "describe/entities.hpp"
 #include "describe/font_traits.hpp"
 #include "describe/os2_traits.hpp"
 #include "describe/style_glossaries.hpp"
@@ -47,14 +48,6 @@ FontBuilder WithOs2(const Os2Fields &fields) {
     return Upright("Plain").Table("OS/2", Os2Table(fields));
 }
 
-Ref<const ValDictionary> Metadata(const std::vector<std::pair<std::string, Ref<const void>>> &entries) {
-    const auto dictionary = Adopt(ValDictionaryCreateMutable(0, nullptr, nullptr));
-    for (const auto &[key, value] : entries) {
-        ValDictionarySetValue(dictionary.Get(), String("MTD_Typeface_" + key).Get(), value.Get());
-    }
-    return dictionary;
-}
-
 TEST(FontTraits, OfAPlainFaceAreZero) {
     const TFontTraits traits = TraitsOf(Upright("Regular"));
     EXPECT_EQ(traits.Symbolic(), 0U);
@@ -88,7 +81,8 @@ TEST(FontTraits, TakeWeightAndSlantFromStyleWords) {
 TEST(FontTraits, TakeTheFirstOfTheTwoValuesOfSemiCondensed) {
     const TFontTraits traits = TraitsOf(Silent("Foo", "Plain", "Foo Semi Condensed"));
     EXPECT_EQ(traits.Width(), -0.7F);
-    EXPECT_EQ(traits.Symbolic() & (kTraitCondensed | kTraitExpanded), uint32_t{kTraitCondensed});
+    EXPECT_EQ(traits.Symbolic() & (kVLFontTraitCondensed | kVLFontTraitExpanded),
+              uint32_t{kVLFontTraitCondensed});
 }
 
 TEST(FontTraits, AskTheNamesInTheirOrderForWhatIsStillOpen) {
@@ -163,7 +157,7 @@ TEST(FontTraits, TakeAWholeNameForAnAbbreviatedWeight) {
 // ---- pitch ------------------------------------------------------------------------------------------
 
 bool IsMonospace(const FontBuilder &font) {
-    return TraitsOf(font).Symbolic() & kTraitMonospace;
+    return TraitsOf(font).Symbolic() & kVLFontTraitMonospace;
 }
 
 FontBuilder FullyNamed(const std::string &full) {
@@ -233,8 +227,10 @@ TEST(FontTraits, TakeTheWidthOfTheWidthClass) {
     for (uint16_t i = 0; i < 9; ++i) {
         const TFontTraits traits = TraitsOf(WithOs2({.width_class = static_cast<uint16_t>(i + 1)}));
         EXPECT_EQ(traits.Width(), widths[i]);
-        EXPECT_EQ(traits.Symbolic() & kTraitCondensed, widths[i] < -0.15F ? uint32_t{kTraitCondensed} : 0U);
-        EXPECT_EQ(traits.Symbolic() & kTraitExpanded, widths[i] > 0.15F ? uint32_t{kTraitExpanded} : 0U);
+        EXPECT_EQ(traits.Symbolic() & kVLFontTraitCondensed,
+                  widths[i] < -0.15F ? uint32_t{kVLFontTraitCondensed} : 0U);
+        EXPECT_EQ(traits.Symbolic() & kVLFontTraitExpanded,
+                  widths[i] > 0.15F ? uint32_t{kVLFontTraitExpanded} : 0U);
     }
 }
 
@@ -273,8 +269,8 @@ TEST(FontTraits, TakeTheSlantFromTheCaretThenFromPost) {
     hhea[18] = 0, hhea[19] = 5, hhea[20] = 0, hhea[21] = 1; // rise 5, run 1
     const auto expected = static_cast<float>(std::atan(5.0) / 180);
     EXPECT_FLOAT_EQ(TraitsOf(Upright("Plain").Table("hhea", hhea)).Slant(), expected);
-    EXPECT_EQ(TraitsOf(Upright("Plain").Table("hhea", hhea)).Symbolic() & kTraitItalic,
-              uint32_t{kTraitItalic});
+    EXPECT_EQ(TraitsOf(Upright("Plain").Table("hhea", hhea)).Symbolic() & kVLFontTraitItalic,
+              uint32_t{kVLFontTraitItalic});
     const FontBuilder post = Upright("Plain").Without("hhea").Table("post", PostTable({.italic_angle = 9}));
     EXPECT_FLOAT_EQ(TraitsOf(post).Slant(), 9.0F / 180);
     EXPECT_EQ(TraitsOf(Upright("Plain").Table("post", PostTable({.italic_angle = 9}))).Slant(),
@@ -298,7 +294,7 @@ TEST(FontTraits, TakeTheStyleOfHeadLast) {
 TEST(FontTraits, AreNarrowWhenHeadSaysExtended) {
     const TFontTraits traits = TraitsOf(Upright("Plain").Table("head", HeadTable({.mac_style = 1 << 6})));
     EXPECT_EQ(traits.Width(), -0.2F);
-    EXPECT_EQ(traits.Symbolic(), uint32_t{kTraitCondensed});
+    EXPECT_EQ(traits.Symbolic(), uint32_t{kVLFontTraitCondensed});
 }
 
 // ---- named faces ------------------------------------------------------------------------------------
@@ -314,8 +310,8 @@ TEST(FontTraits, OfNamedFacesOfTheSystemAreSettledByTheirNames) {
     EXPECT_EQ(TraitsOf(PostScriptNamed("URWBookman-Light", "Light")).Weight(), 0.0F);
     EXPECT_EQ(TraitsOf(PostScriptNamed("URWBookman-LightItalic", "Light Italic")).Weight(), 0.0F);
     EXPECT_EQ(TraitsOf(PostScriptNamed("URWGothic-Demi", "Demi")).Weight(), 0.24F);
-    EXPECT_EQ(TraitsOf(PostScriptNamed("URWGothic-Demi", "Demi")).Symbolic() & kTraitBold,
-              uint32_t{kTraitBold});
+    EXPECT_EQ(TraitsOf(PostScriptNamed("URWGothic-Demi", "Demi")).Symbolic() & kVLFontTraitBold,
+              uint32_t{kVLFontTraitBold});
     EXPECT_EQ(TraitsOf(PostScriptNamed("URWGothic-Book", "Book")).Weight(), -0.1F);
     EXPECT_EQ(TraitsOf(PostScriptNamed("C059-Roman", "Roman")).Symbolic(), 0x10000000U);
     EXPECT_EQ(TraitsOf(PostScriptNamed("urwgothic-demi", "Demi")).Weight(), 0.25F); // exactly
@@ -333,8 +329,8 @@ TEST(FontTraits, TakeWhatAccompaniesTheFaceBeforeAllElse) {
     EXPECT_EQ(traits.Weight(), 0.62F);
     EXPECT_EQ(traits.Width(), 0.2F);
     EXPECT_FLOAT_EQ(traits.Slant(), 0.05F);
-    EXPECT_EQ(traits.Symbolic(),
-              0x80000000U | kTraitItalic | kTraitBold | kTraitExpanded | kTraitMonospace);
+    EXPECT_EQ(traits.Symbolic(), 0x80000000U | kVLFontTraitItalic | kVLFontTraitBold |
+                                     kVLFontTraitExpanded | kVLFontTraitMonospace);
 }
 
 TEST(FontTraits, TakeEachDescriptorOfTheMetadata) {
@@ -366,9 +362,9 @@ TEST(FontTraits, TakeEachDescriptorOfTheMetadata) {
 }
 
 TEST(FontTraits, TakeThePitchFromTheFirstFlagThatIsAString) {
-    const auto pitch = [](const std::vector<std::pair<std::string, Ref<const void>>> &entries) {
-        return (TraitsOf(FullyNamed("Foo Mono"), Metadata(entries).Get()).Symbolic() & kTraitMonospace) !=
-               0;
+    const auto pitch = [](const MetadataEntries &entries) {
+        return (TraitsOf(FullyNamed("Foo Mono"), Metadata(entries).Get()).Symbolic() &
+                kVLFontTraitMonospace) != 0;
     };
     const auto yes = Ref<const void>(String("TRUE"));
     const auto no = Ref<const void>(String("true")); // is not "TRUE"

@@ -3,9 +3,11 @@
 # `vellum fontinfo build` as a user meets it: what is written, under which name, and what is refused. That
 # the library reads the files back to the same properties, tests/frame tells.
 import pathlib
+import subprocess
 import unittest
 
-from vellum_tool import BAD_FONT, BOUND_BY_MODES, DONE, PROBLEMS, USAGE, ToolCase
+from vellum_tool import (BAD_FONT, BOUND_BY_MODES, DEADLINE, DONE, PROBLEMS, REFUSED, TOOL, USAGE,
+                         ToolCase)
 
 
 class FontInfoCase(ToolCase):
@@ -68,9 +70,43 @@ class Build(FontInfoCase):
         self.output.mkdir(parents=True)
         self.output.chmod(0o500)
         done = self.build(path, before=BOUND_BY_MODES)
-        self.assertEqual((done.returncode, done.stdout), (PROBLEMS, b""))
+        self.assertEqual((done.returncode, done.stdout), (REFUSED, b""))
         self.assertIn(str(self.output).encode(), done.stderr)
+        self.assertIn(b"Permission denied", done.stderr)
         self.assertEqual(self.written(), [])
+
+    def test_goes_on_after_a_file_that_cannot_be_written(self):
+        self.font("a.ttf")
+        self.font("m" * 248 + ".ttf", "Long")  # the name of its font info would be longer than names may be
+        self.font("z.ttf")
+        done = self.build(self.folder)
+        self.assertEqual(done.returncode, PROBLEMS)
+        self.assertIn(b"File name too long", done.stderr)
+        self.assertEqual([name[0] for name in self.written()], ["a", "z"])
+
+    def test_says_that_the_folder_cannot_be_made(self):
+        self.output = self.font() / "FontInfo"
+        done = self.build(self.folder)
+        self.assertEqual((done.returncode, done.stdout), (PROBLEMS, b""))
+        self.assertRegex(done.stderr, rb"vellum: .*plain\.ttf/FontInfo: this folder cannot be made")
+
+    def test_gives_the_same_bytes_wherever_the_font_lies(self):
+        contents = []
+        for folder in ("here", "there"):
+            self.build(self.font(f"{folder}/same.ttf"))
+            contents.append((self.output / self.written()[0]).read_bytes())
+        self.assertEqual(contents[0], contents[1])
+
+    def test_may_be_done_by_several_at_once(self):
+        for number in range(20):
+            self.font(f"{number}.ttf", f"Font {number}")
+        runs = [subprocess.Popen([TOOL, "fontinfo", "build", str(self.folder), "-o", str(self.output)],
+                                 env=self.environment(), stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+                for _ in range(4)]
+        for run in runs:
+            _, said = run.communicate(timeout=DEADLINE)
+            self.assertEqual((run.returncode, said), (DONE, b""))
+        self.assertEqual(len(self.written()), 20)
 
     def test_without_a_place_to_write_is_a_usage_error(self):
         done = self.run_tool("fontinfo", "build", str(self.font()))

@@ -356,12 +356,12 @@ class Terminal(InspectCase):
         self.assertIn(b"Plain", shown)
 
     def test_names_out_of_a_font_cannot_drive_the_terminal(self):
-        path = self.font("evil\x1b[2J.ttf", family="Evil\x1b]0;title\x07\r\n")
+        path = self.font("evil\x1b[2J.ttf", family="Evil\x1b]0;title\x07\u202etxt\u2066\r\n")
         cut = self.folder / "bad\x1b[31m.ttf"
         cut.write_bytes(b"no font")
         status, shown = self.run_on_terminal("inspect", str(path), str(cut), NO_COLOR="1")
         self.assertEqual(status, PROBLEMS)
-        for sequence in (b"\x1b[2J", b"\x1b]0", b"\x07", b"\x1b[31m"):
+        for sequence in (b"\x1b[2J", b"\x1b]0", b"\x07", b"\x1b[31m", "\u202e".encode(), "\u2066".encode()):
             self.assertNotIn(sequence, shown)
 
     def test_a_reader_that_stops_reading_ends_the_tool_quietly(self):

@@ -33,7 +33,11 @@ TDescriptor OpenRegularFile(const char *path, TFileIdentity *identity) noexcept 
 size_t TReading::Read(uint64_t offset, std::span<uint8_t> out) const noexcept {
     if (offset >= size_) return 0;
     const size_t length = static_cast<size_t>(std::min<uint64_t>(out.size(), size_ - offset));
-    if (descriptor_) return ReadFully(descriptor_->Get(), offset, out.first(length)).length;
+    if (descriptor_) {
+        const TReadResult result = ReadFully(descriptor_->Get(), offset, out.first(length));
+        if (result.failed) ++tPassingFailures;
+        return result.length;
+    }
     if (length != 0) std::memcpy(out.data(), memory_.data() + offset, length);
     return length;
 }

@@ -39,8 +39,11 @@ Ref<const ValURL> GxFontCopyURL(const GxFont *font) noexcept {
     return Guarded([&]() -> Ref<const ValURL> {
         if (!font) return nullptr;
         const std::lock_guard lock(font->mutex);
-        if (!font->url) font->url = MakeURL(*font);
-        return font->url;
+        if (font->url) return font->url;
+        const uint32_t failures = tPassingFailures;
+        auto url = MakeURL(*font);
+        if (failures == tPassingFailures) font->url = url; // else it may name the face by less than it has
+        return url;
     });
 }
 
@@ -103,8 +106,11 @@ Ref<const ValDictionary> GxFontCopyVariations(const GxFont *font) noexcept {
     return Guarded([&]() -> Ref<const ValDictionary> {
         if (!font) return nullptr;
         const std::lock_guard lock(font->mutex);
-        if (!font->variations) font->variations = MakeVariations(*font->face);
-        return font->variations;
+        if (font->variations) return font->variations;
+        const uint32_t failures = tPassingFailures;
+        auto variations = MakeVariations(*font->face);
+        if (failures == tPassingFailures) font->variations = variations;
+        return variations;
     });
 }
 

@@ -8,7 +8,9 @@
 #include "platform/locale/locale_names.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace vellum {
 namespace {
@@ -121,13 +123,27 @@ Ref<const ValString> TNameTable::Copy(uint16_t name) const {
 }
 
 Ref<const ValString> TNameTable::CopyInLanguage(uint16_t name, std::string_view language) const {
-    for (const TRecord &record : records_) {
-        if (record.name != name) continue;
-        const std::string_view own = languages_[record.language_place].tag;
-        if (!own.data() || own != language) continue;
-        if (auto text = Decode(record)) return text;
+    for (const uint16_t place : RecordsInLanguage(name, language)) {
+        if (auto text = Decode(records_[place])) return text;
     }
     return nullptr;
+}
+
+// In the order of the records. Records of languages that are not known are in none.
+std::span<const uint16_t> TNameTable::RecordsInLanguage(uint16_t name, std::string_view language) const {
+    using TKey = std::pair<uint16_t, std::string_view>;
+    const auto key = [this](uint16_t place) {
+        return TKey(records_[place].name, languages_[records_[place].language_place].tag);
+    };
+    if (by_language_.empty()) {
+        std::vector<uint16_t> places;
+        for (uint16_t place = 0; place < records_.size(); ++place)
+            if (key(place).second.data()) places.push_back(place);
+        std::ranges::stable_sort(places, std::less<>(), key);
+        by_language_ = std::move(places);
+    }
+    const auto found = std::ranges::equal_range(by_language_, TKey(name, language), std::less<>(), key);
+    return {found.begin(), found.end()};
 }
 
 Ref<const ValArray> TNameTable::CopyLanguages() const {

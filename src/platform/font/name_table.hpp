@@ -12,8 +12,8 @@
 
 namespace vellum {
 
-// What a name table says, in a form that needs the table no more. Records of the names that can be
-// asked for are kept, each with its bytes; of the others only their language.
+// What a name table says, in a form that needs the table no more. One thread at a time. Records of the
+// names that can be asked for are kept, each with its bytes; of the others only their language.
 class TNameTable {
 public:
     TNameTable() = default;
@@ -59,7 +59,10 @@ private:
     int Rank(const TRecord &record) const;
     Ref<const ValString> Decode(const TRecord &record) const;
 
+    std::span<const uint16_t> RecordsInLanguage(uint16_t name, std::string_view language) const;
+
     std::vector<TRecord> records_;
+    mutable std::vector<uint16_t> by_language_; // places of records by name and language; made when needed
     std::vector<uint8_t> text_;
     std::vector<TLanguage> languages_; // in order of appearance
     std::vector<std::string> tags_;    // of language numbers from 0x8000; complete before there are views

@@ -5,6 +5,7 @@
 #include "platform/font/coverage.hpp"
 #include "platform/font/freetype_face.hpp"
 #include "platform/font/limits.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "platform/val/object.hpp"
 
 #include <algorithm>
@@ -93,21 +94,23 @@ TBuffer TSfntFace::CopyBytes(const TReading &reading, GxTag tag, size_t limit) c
 Ref<const ValCharacterSet> TSfntFace::CopyCharacterSet() const {
     const std::lock_guard lock(mutex_);
     if (coverage_) return coverage_;
+    const uint32_t failures = tPassingFailures;
     const TReading reading = parts_.source->Open();
     const TBuffer cmap = CopyBytes(reading, MakeTag("cmap"), limits::kCmapBytes);
     const TBuffer os2 = CopyBytes(reading, MakeTag("OS/2"), kOs2Bytes);
     auto coverage = ReadCoverage(cmap.View(), os2.View(), parts_.glyphs);
-    if (reading) coverage_ = coverage;
+    if (failures == tPassingFailures) coverage_ = coverage;
     return coverage;
 }
 
 TSfntFace::TPostFacts TSfntFace::PostFacts() const {
     const std::lock_guard lock(mutex_);
     if (post_facts_) return *post_facts_;
+    const uint32_t failures = tPassingFailures;
     const TReading reading = parts_.source->Open();
     const TBuffer post = CopyBytes(reading, MakeTag("post"), kPostHeaderSize);
     const TPostFacts facts{ReadFixed(post.View(), 4), ReadU32(post.View(), 12) != 0};
-    if (reading) post_facts_ = facts;
+    if (failures == tPassingFailures) post_facts_ = facts;
     return facts;
 }
 

@@ -158,7 +158,10 @@ const ValString *GetTypeIdentifier(const ValURL *url) noexcept {
         if (!ValURLGetFileSystemRepresentation(url, path, sizeof path)) return nullptr;
         TFileIdentity identity;
         TDescriptor descriptor = OpenRegularFile(path, &identity);
-        if (!descriptor.IsOpen()) return nullptr;
+        if (!descriptor.IsOpen()) {
+            ++tPassingFailures;
+            return nullptr;
+        }
         return TypeOfFile(TReading(std::move(descriptor), identity.size), path);
     });
 }

@@ -30,6 +30,12 @@ struct TFileProperties {
     uint64_t fork_size = 0;           // of the second fork
     std::optional<TFileTime> created; // not every file system knows
     TFileTime modified;
+
+    // Whether both are of one file with one content, as far as anybody can tell without reading it.
+    bool IsOfSameState(const TFileProperties &other) const noexcept {
+        return device == other.device && inode == other.inode && size == other.size &&
+               fork_size == other.fork_size && modified == other.modified;
+    }
 };
 
 // The properties of what is at an absolute path; none when there is nothing, or it may not be asked for.

@@ -3,13 +3,12 @@
 
 #include "platform/fs/file.hpp"
 #include "platform/locale/locale_names.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "platform/process/process.hpp"
-
-#include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
-#include <new>
+#include <memory>
 #include <string_view>
 
 namespace vellum {
@@ -103,17 +102,11 @@ std::vector<std::string> ParseLanguages(std::string_view list) {
 }
 
 constinit std::atomic<const TUserLocale *> sUserLocale{nullptr};
-pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 
-// Runs once in a process; nothing may be thrown out of it, and nothing is ever torn down.
-void CreateUserLocale() noexcept {
-    try {
-        const LocaleEnvironment environment{GetEnvironment("LC_ALL"), GetEnvironment("LC_MESSAGES"),
-                                            GetEnvironment("LANG"), GetEnvironment("LANGUAGE"),
-                                            kConfigurationFiles};
-        sUserLocale.store(new TUserLocale(environment), std::memory_order_release);
-    } catch (...) { // memory is exhausted: this process stays without
-    }
+std::unique_ptr<const TUserLocale> ReadUserLocale() {
+    return std::make_unique<const TUserLocale>(
+        LocaleEnvironment{GetEnvironment("LC_ALL"), GetEnvironment("LC_MESSAGES"), GetEnvironment("LANG"),
+                          GetEnvironment("LANGUAGE"), kConfigurationFiles});
 }
 
 } // namespace
@@ -127,10 +120,18 @@ TUserLocale::TUserLocale(const LocaleEnvironment &environment)
 }
 
 const TUserLocale &UserLocale() {
-    ::pthread_once(&sOnce, CreateUserLocale);
-    const TUserLocale *locale = sUserLocale.load(std::memory_order_acquire);
-    if (!locale) throw std::bad_alloc();
-    return *locale;
+    if (const TUserLocale *known = sUserLocale.load(std::memory_order_acquire)) return *known;
+    const uint32_t failures = tPassingFailures;
+    auto fresh = ReadUserLocale();
+    if (failures != tPassingFailures) { // the machine's may be missing: it is read again next time
+        static thread_local std::unique_ptr<const TUserLocale> tIncomplete;
+        tIncomplete = std::move(fresh);
+        return *tIncomplete;
+    }
+    const TUserLocale *current = nullptr;
+    if (sUserLocale.compare_exchange_strong(current, fresh.get(), std::memory_order_acq_rel))
+        return *fresh.release(); // never torn down: programs ask until they end
+    return *current;
 }
 
 } // namespace vellum

@@ -42,8 +42,8 @@ private:
     std::vector<std::string> preferred_;
 };
 
-// Those of this process, read by the first call and kept. Throws std::bad_alloc when memory was
-// exhausted then.
+// Those of this process, read by the first call that can read them and kept. Throws std::bad_alloc when
+// memory is exhausted.
 const TUserLocale &UserLocale();
 
 } // namespace vellum
