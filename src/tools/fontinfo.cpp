@@ -124,10 +124,10 @@ private:
 int BuildAll(const Options &options) {
     const FontFiles files = FindFontFiles(options.paths);
     std::error_code error;
-    if (!options.dry_run && !fs::is_directory(options.folder) &&
-        !fs::create_directories(options.folder, error)) {
-        std::cerr << "vellum: " << Printable(options.folder)
-                  << ": this folder cannot be made: " << error.message() << '\n';
+    if (!options.dry_run) fs::create_directories(options.folder, error); // or somebody else does
+    if (!options.dry_run && !fs::is_directory(options.folder)) {
+        std::cerr << "vellum: " << Printable(options.folder) << ": this folder cannot be made: "
+                  << (error ? error.message() : "something else is there") << '\n';
         return error == std::errc::permission_denied ? kRefused : kNothingFound;
     }
     Builder builder(options);
