@@ -142,8 +142,9 @@ std::span<const uint16_t> TNameTable::RecordsInLanguage(uint16_t name, std::stri
         std::ranges::stable_sort(places, std::less<>(), key);
         by_language_ = std::move(places);
     }
-    const auto found = std::ranges::equal_range(by_language_, TKey(name, language), std::less<>(), key);
-    return {found.begin(), found.end()};
+    const TKey wanted(name, language);
+    const auto first = std::ranges::lower_bound(by_language_, wanted, std::less<>(), key);
+    return {first, std::ranges::upper_bound(first, by_language_.end(), wanted, std::less<>(), key)};
 }
 
 Ref<const ValArray> TNameTable::CopyLanguages() const {
