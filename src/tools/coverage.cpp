@@ -88,8 +88,7 @@ std::vector<Share> SharesOf(const ValCharacterSet *coverage, const std::vector<L
     return shares;
 }
 
-// ---- for programs
-// ----------------------------------------------------------------------------------------
+// ---- for programs -----------------------------------------------------------------------------------
 
 Json ToJson(const Share &share) {
     return {{"language", share.language->name},
@@ -107,8 +106,7 @@ Json ToJson(const ValDictionary *face, const std::vector<Share> &shares) {
             {"languages", std::move(languages)}};
 }
 
-// ---- for people
-// ------------------------------------------------------------------------------------------
+// ---- for people -------------------------------------------------------------------------------------
 
 std::string Measure(const Share &share) {
     char percent[16];

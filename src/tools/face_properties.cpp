@@ -21,8 +21,7 @@ int64_t IntegerOf(const void *value) {
     return ValNumberGetSInt64(As<ValNumber>(value, kValTypeNumber));
 }
 
-// ---- one converter for each kind of value
-// ----------------------------------------------------------------
+// ---- one converter for each kind of value -----------------------------------------------------------
 
 Json FromText(const void *value) {
     return ToJson(As<ValString>(value, kValTypeString));
@@ -150,8 +149,7 @@ Json FromLocalizedNames(const void *value) {
     return localized;
 }
 
-// ---- the table
-// -------------------------------------------------------------------------------------------
+// ---- the table --------------------------------------------------------------------------------------
 
 constexpr FaceProperty kProperties[] = {
     {"postscriptName", &kVLFontPropertyName, FromText},
