@@ -339,7 +339,10 @@ VAL_EXPORT const ValString *ValURLCopyHost(const ValURL *url) VAL_NOEXCEPT;
 /* The escaped path; it may be empty. */
 VAL_EXPORT const ValString *ValURLCopyPath(const ValURL *url) VAL_NOEXCEPT;
 
-/* What follows "#", without it: escaped, or with every escape decoded. Null when there is no "#". */
+/*
+ * What follows "#", without it: escaped, or with every escape decoded; one that holds an escaped zero stays
+ * as it is. Null when there is no "#".
+ */
 VAL_EXPORT const ValString *ValURLCopyFragment(const ValURL *url) VAL_NOEXCEPT;
 VAL_EXPORT const ValString *ValURLCopyDecodedFragment(const ValURL *url) VAL_NOEXCEPT;
 

@@ -156,7 +156,29 @@ enum {
 VL_EXPORT const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
                                            VLActivationOptions activation) VL_NOEXCEPT;
 
-/* The best font for a request: a dictionary from property key to the value that it must have. */
+/*
+ * The best font for a request: a dictionary from property key to the value that it must have. An empty one
+ * is answered by every font.
+ *
+ *  - Names are found whatever their letter case. A PostScript name that no font has is taken for a
+ * family's, a full or a subfamily name, in this order.
+ *  - A file's URL: the fonts in it; a folder's: the fonts in all files below it.
+ *  - Traits: a dictionary of those that must be there. Values may be 0.0001 off, every bit of
+ *    kVLFontTraitSymbolic must be set.
+ *  - Characters: a character set, all of which the font must have.
+ *  - Languages: one identifier, or an array or a set of those that must all be supported.
+ *  - Variation axes: exactly these. Variations: any, of a font that has some.
+ *  - Version and copyright: one of the font's names, to the letter.
+ *  - By any other key, nothing is found.
+ *
+ * Fonts come in this order: by family, those that carry a foundry's name after the others; plain ones
+ * before italic, bold, expanded, condensed and monospaced ones; then the nearer to regular in weight,
+ * slant, width; serif and sans-serif designs before symbols, and unknown ones last; then by subfamily; then
+ * by the order of registration.
+ *
+ * When no register has a font, and `scope` has kVLScopeProcess, one may be activated on demand, unless
+ * `activation` has a bit set.
+ */
 VL_EXPORT const ValURL *VLCopyFontWithProperties(const ValDictionary *request, VLScope scope,
                                                  VLActivationOptions activation) VL_NOEXCEPT;
 
@@ -164,9 +186,26 @@ VL_EXPORT const ValURL *VLCopyFontWithProperties(const ValDictionary *request, V
 VL_EXPORT const ValArray *VLCopyFontsWithProperties(const ValDictionary *request, VLScope scope,
                                                     VLActivationOptions activation) VL_NOEXCEPT;
 
-/* A font that draws a character (a Unicode scalar value). `reserved` is carried and not read. */
+/*
+ * The best font that draws a character (a Unicode scalar value). `reserved` is carried and not read. A
+ * character that no font was found for is remembered by the calling thread, whatever the scope, and not
+ * looked for again until a font changes anywhere.
+ */
 VL_EXPORT const ValURL *VLCopyFontForCharacter(uint32_t character, VLScope scope,
                                                uint32_t reserved) VL_NOEXCEPT;
+
+/*
+ * How an answer came about. Every function of this section, once it has its answer and before it returns,
+ * tells the calling thread's callback: a dictionary with what was asked, the stages that the question went
+ * through (which index had how many fonts, which font was dropped by which property, what put one font
+ * before another, which register was asked) and the answer; docs/trace.md lists them. It is borrowed, and
+ * valid during the call. The callback may ask for fonts; of what it asks meanwhile, it is not told.
+ *
+ * One callback a thread; null ends it. With VELLUM_TRACE=json:PATH in a process's environment, all of its
+ * lookups are also written to that file, a line each.
+ */
+typedef void (*VLLookupTraceCallback)(const ValDictionary *lookup, void *context);
+VL_EXPORT void VLSetLookupTraceCallback(VLLookupTraceCallback callback, void *context) VL_NOEXCEPT;
 
 /* ---- listings -------------------------------------------------------------------------------- */
 
@@ -208,7 +247,11 @@ VL_EXPORT const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, con
 VL_EXPORT const ValDictionary *VLCopyRegistrationInfoForFont(const ValURL *font,
                                                              bool useFontInfo) VL_NOEXCEPT;
 
-/* A summary for diagnosis. Never null but when memory is exhausted. */
+/*
+ * A summary for diagnosis. Never null but when memory is exhausted. Under the number 1 (SInt32) stands an
+ * array with nine properties of each font of the process's register; beside it, what the shared register
+ * answers to `query`.
+ */
 VL_EXPORT const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query,
                                                         VLScope scope) VL_NOEXCEPT;
 

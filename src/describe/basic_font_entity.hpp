@@ -18,6 +18,10 @@ public:
     // element stands for one; null for an empty array.
     Ref<const void> CopyProperty(const ValString *key, bool all) const override;
 
+    // TFontEntity::Compare of two faces, told as their properties; null is a face without any.
+    static int CompareBasicFontInfo(const ValDictionary *a, const ValDictionary *b,
+                                    const TFontEntityComparisonContext *context);
+
     // The keys that faces are ordered by (borrowed). Made by the first call; it throws std::bad_alloc when
     // memory is exhausted, and so does every later one until one succeeds.
     static const ValSet *GetBasicProperties();

@@ -79,6 +79,11 @@ public:
     Ref<const ValString> CopyLocale() const;
     Ref<const ValNumber> CopyFlags() const;
 
+    // TFontEntity::Compare of the first faces that two URLs name. A URL that names none is a face without
+    // any property.
+    static int CompareFontURLs(const ValURL *a, const ValURL *b,
+                               const TFontEntityComparisonContext *context);
+
     // Borrowed: it lives as long as the entity, which then belongs to one thread.
     const ValURL *GetURL() const;
 

@@ -17,19 +17,18 @@ constexpr std::string_view kFoundryPrefixes[] = {
     "Monotype", "PMN",    "Simoncini", "Stempel",  "URW",       "WTC", "#",
 };
 
-// The place of a name's prefix in the table, the last one that fits; -1 for none.
-int PrefixIndex(const ValString *name) {
+} // namespace
+
+int TFontEntity::FoundryPrefix(const ValString *name) {
     const std::string_view text = TValStr(Retain(name)).View();
     for (int i = static_cast<int>(std::size(kFoundryPrefixes)) - 1; i >= 0; --i)
         if (text.starts_with(kFoundryPrefixes[i])) return i;
     return -1;
 }
 
-} // namespace
-
 int TFontEntity::CompareFamilyNames(const ValString *a, const ValString *b) {
     if (!a || !b) return ValStringCompare(a, b, kValCompareExact);
-    const int prefix_a = PrefixIndex(a), prefix_b = PrefixIndex(b);
+    const int prefix_a = FoundryPrefix(a), prefix_b = FoundryPrefix(b);
     if (prefix_a != prefix_b) return prefix_a < prefix_b ? -1 : 1;
     return ValStringCompare(a, b, kValCompareCaseInsensitive | kValCompareNumeric | kValCompareLocalized);
 }

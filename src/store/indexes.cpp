@@ -97,8 +97,8 @@ void TLocalGlypharyImp::RemoveFontFromIndex(TFontIndex &index, FontReference ref
     ForEachIndexKey(value.Get(), [&](const void *key) { index.RemoveFontForKey(reference, key); });
 }
 
-// An index that can't be kept current because memory is exhausted is given up: it is made again
-// from the enabled fonts when it is next asked for.
+// An index, or the order, that can't be kept current because memory is exhausted is given up: it is made
+// again from the enabled fonts when it is next asked for.
 
 void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept {
     for (uint16_t id = kPathIndex; id < kDisabledPathIndex; ++id) {
@@ -107,6 +107,11 @@ void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *
         } catch (...) {
             indexes_[id].reset();
         }
+    }
+    try {
+        if (order_) order_->FaceAdded(reference);
+    } catch (...) {
+        order_.reset();
     }
 }
 
@@ -117,6 +122,11 @@ void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxF
         } catch (...) {
             index.reset();
         }
+    }
+    try {
+        if (order_) order_->FaceRemoved(reference);
+    } catch (...) {
+        order_.reset();
     }
 }
 

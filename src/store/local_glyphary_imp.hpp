@@ -9,12 +9,18 @@
 #include "frame/registry/glyphary_imp.hpp"
 #include "store/font_index.hpp"
 #include "store/font_table.hpp"
+#include "store/table_follower.hpp"
 
 #include <array>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace vellum {
+
+class FaceOrder;
+class TFontEntityComparisonContext;
 
 // The slots of the indexes; the numbers are the ids of GetIndex.
 enum IndexID : uint16_t {
@@ -78,7 +84,7 @@ public:
     Ref<const ValURL> CopyFontDirectoryURL(const ValURL *url) const override;
 
     // ---- indexes ----
-    Ref<const ValSet> SearchIndexedFontsForName(uint16_t id, const void *key) const override;
+    Ref<const ValSet> SearchIndexedFontsForName(uint16_t id, const ValString *name) const override;
     uint16_t GetIndexCount(uint16_t &first_id) const override;
 
     // The index with an id below kIndexCount, made and filled when it is first asked for.
@@ -96,6 +102,24 @@ public:
     virtual const GxFont *GetDataFont(const ValData *data, uint32_t *legacy_container) const;
     virtual uint32_t GetDataFontFountFont(const ValURL *url) const;
     virtual Ref<const ValURL> CopyURLForDataFont(const ValData *data, uint32_t legacy_font) const;
+
+    // The order of two faces of a register under a context (borrowed, or null), as TFontEntity::Compare has
+    // it; a reference without a face is a face without properties.
+    class TFontRefSorter {
+    public:
+        TFontRefSorter(const TLocalGlypharyImp &registry,
+                       const TFontEntityComparisonContext *context) noexcept
+            : registry_(registry), context_(context) {}
+
+        int operator()(FontReference a, FontReference b) const;
+
+        // Sorts from the order in which the references stand; each face is read once.
+        void Sort(std::vector<FontReference> &references) const;
+
+    private:
+        const TLocalGlypharyImp &registry_;
+        const TFontEntityComparisonContext *context_;
+    };
 
     // ---- the table ----
     // The face (borrowed), enabled or disabled; null for a reference that was never given or is gone.
@@ -123,6 +147,18 @@ private:
     Ref<const ValDictionary> CopyFontProperties(FontReference reference, const ValSet *keys) const;
     Ref<const void> CopyFontProperty(FontReference reference, const ValString *key) const;
 
+    // Requests: the references of the faces that answer, in order; the best alone where that is enough.
+    enum class Wanted { kAll, kBest };
+    std::vector<FontReference> FindFonts(const ValDictionary *request, Wanted wanted) const;
+    std::vector<FontReference> ScanFonts(const ValDictionary *request, Wanted wanted) const;
+    std::vector<FontReference> KeepMatching(std::vector<FontReference> candidates,
+                                            const ValDictionary *rest) const;
+    void PutInOrder(std::vector<FontReference> &fonts, const TFontEntityComparisonContext *context) const;
+    std::optional<std::vector<FontReference>> KeptOrder(const std::vector<FontReference> &fonts,
+                                                        const TFontEntityComparisonContext *context) const;
+    FaceOrder &Order() const; // made when it is first asked for
+    Ref<const ValURL> CopyFirstURL(const std::vector<FontReference> &fonts) const;
+
     void AddFontToIndex(TFontIndex &index, FontReference reference, const GxFont *font) const;
     void RemoveFontFromIndex(TFontIndex &index, FontReference reference, const GxFont *font) const;
     void AddAllFontsToIndex(TFontIndex &index) const;
@@ -137,6 +173,7 @@ private:
     mutable TValMutableDict data_fonts_;        // ValData to GxFont, which enabled_ holds
     mutable TValMutableDict legacy_containers_; // FontReference to container id; fonts in memory only
     mutable std::array<std::unique_ptr<TFontIndex>, kIndexCount> indexes_;
+    mutable std::unique_ptr<TTableFollower> order_; // a FaceOrder of enabled_
 };
 
 } // namespace vellum

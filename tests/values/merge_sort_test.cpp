@@ -42,6 +42,26 @@ TEST(MergeSort, LosesNothingWhateverTheComparisonClaims) {
     EXPECT_THAT(items, UnorderedElementsAreArray(all));
 }
 
+TEST(MergeSort, MergesFromTheRightAsLongAsTheComparisonSaysSo) {
+    std::vector<int> items = {0, 1, 2, 3, 4, 5, 6};
+    MergeSort(items, [](int, int) { return 1; });
+    EXPECT_THAT(items, ElementsAre(6, 5, 4, 3, 2, 1, 0));
+    MergeSort(items, [](int, int) { return -1; });
+    EXPECT_THAT(items, ElementsAre(6, 5, 4, 3, 2, 1, 0));
+}
+
+TEST(MergeSort, GivesTheSameResultForTheSameAnswersHoweverRandom) {
+    const auto sorted = [](unsigned seed) {
+        std::mt19937 random(seed);
+        std::vector<int> items(777);
+        for (size_t i = 0; i < items.size(); ++i) items[i] = static_cast<int>(i);
+        MergeSort(items, [&](int, int) { return static_cast<int>(random() % 3) - 1; });
+        return items;
+    };
+    for (unsigned seed = 0; seed < 20; ++seed) EXPECT_EQ(sorted(seed), sorted(seed));
+    EXPECT_NE(sorted(0), sorted(1)); // the answers count
+}
+
 TEST(MergeSort, GivesTheSameResultForTheSameInputUnderAComparisonThatContradictsItself) {
     const auto both_after = [](int a, int b) { return a == -b ? 1 : std::abs(a) - std::abs(b); };
     std::vector<int> first = {4, -4, 1, -1, 3, -4, 4}, second = first;

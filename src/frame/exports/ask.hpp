@@ -1,20 +1,41 @@
 // SPDX-License-Identifier: MIT
-// How an exported query asks the registers: the process's own first, the shared one only when that
-// had nothing, each through a handle of its own, never both at once.
+// How an exported query asks the registers: each through a handle of its own, never both at once.
 #pragma once
 
 #include "frame/handles/global_glyphary.hpp"
 #include "frame/handles/local_glyphary.hpp"
 #include "frame/registry/scope.hpp"
+#include "values/lookup_trace.hpp"
+
+#include <string_view>
 
 namespace vellum {
 
-// `ask(register)` answers a reference; the first one that is not null is the answer.
+inline void TellRegister(std::string_view which) noexcept {
+    LookupTrace::Tell("register", [&](TValMutableDict &stage) {
+        stage.Set(TraceText("register").Get(), TraceText(which).Get());
+    });
+}
+
+// `ask(register)` answers a reference.
+template <class Ask>
+auto AskProcess(Ask ask) {
+    TellRegister("process");
+    return ask(TLocalGlyphary());
+}
+
+template <class Ask>
+auto AskShared(Ask ask) {
+    TellRegister("shared");
+    return ask(TGlobalGlyphary());
+}
+
+// The process's own register, and the shared one only when that had nothing.
 template <class Ask>
 auto AskProcessThenShared(VLScope scope, Ask ask) -> decltype(ask(TLocalGlyphary())) {
     if (AsksProcess(scope))
-        if (auto answer = ask(TLocalGlyphary())) return answer;
-    if (AsksShared(scope)) return ask(TGlobalGlyphary());
+        if (auto answer = AskProcess(ask)) return answer;
+    if (AsksShared(scope)) return AskShared(ask);
     return nullptr;
 }
 

@@ -1,44 +1,120 @@
 // SPDX-License-Identifier: MIT
-// Exported: finding fonts. The registers do not answer these questions yet (see
-// docs/architecture.md); the way to them is the one that they will be asked on.
+// Exported: finding fonts, in the registers and beyond.
+#include "autoactivation/auto_activation_manager.hpp"
+#include "describe/basic_font_entity.hpp"
 #include "frame/exports/ask.hpp"
-#include "frame/exports/guard.hpp"
+#include "frame/exports/guard_lookup.hpp"
+#include "frame/exports/merge_answers.hpp"
+#include "ipc/client/character_reject_cache.hpp"
+#include "values/val_array.hpp"
+#include "values/val_dictionary.hpp"
+#include "values/val_number.hpp"
 
 using namespace vellum;
 
-const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope, VLActivationOptions) noexcept {
-    if (!name) return nullptr;
-    return GuardCopy([&] {
-        return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
-            return registry.CopyFontForName(name, scope);
-        });
+namespace {
+
+constexpr VLActivationOptions kActivatesNothing =
+    kVLActivationNotFromProviders | kVLActivationNotFromSearch;
+
+// Fonts are activated for the process alone, and only where it asked for its own.
+bool MayActivate(VLScope scope, VLActivationOptions activation) noexcept {
+    return AsksProcess(scope) && !(activation & kActivatesNothing);
+}
+
+TAutoActivationManager ActivationFor(const ValDictionary *request,
+                                     VLActivationOptions activation) noexcept {
+    return {request, (activation & kVLActivationNotFromProviders) != 0,
+            (activation & kVLActivationNotFromSearch) != 0};
+}
+
+Ref<const ValURL> ActivateFont(const ValDictionary *request, VLActivationOptions activation) {
+    return ActivationFor(request, activation).CopyAutoActivatedFont(kVLScopeProcess);
+}
+
+// What the process's register says of fonts that were activated, in their order.
+Ref<const ValArray> ActivateFonts(const ValDictionary *request, VLActivationOptions activation,
+                                  const ValSet *keys) {
+    const auto urls = ActivationFor(request, activation).CopyAutoActivatedFonts(kVLScopeProcess);
+    if (ValArrayGetCount(urls.Get()) == 0) return nullptr;
+    const auto properties = TLocalGlyphary().CopyPropertiesForFonts(urls.Get(), keys, kVLScopeProcess);
+    TValMutableArray fonts;
+    for (const void *url : Elements(urls.Get()))
+        if (const void *found = ValDictionaryGetValue(properties.Get(), url)) fonts.Append(found);
+    return fonts.IsEmpty() ? nullptr : fonts.Publish();
+}
+
+Ref<const ValDictionary> RequestForName(const ValString *name) {
+    TValMutableDict request;
+    request.Set(kVLFontPropertyName, name);
+    return request.Publish();
+}
+
+Ref<const ValArray> FindFonts(const ValDictionary *request, VLScope scope, VLActivationOptions activation) {
+    const ValSet *keys = TBasicFontEntity::GetBasicProperties();
+    const auto ask = [&](const TGlypharyProtocol &registry) {
+        return registry.CopyPropertiesForFontsMatchingRequest(request, keys, scope);
+    };
+    auto own = AsksProcess(scope) ? AskProcess(ask) : nullptr;
+    const auto shared = AsksShared(scope) ? AskShared(ask) : nullptr;
+    if (!own && !shared && MayActivate(scope, activation)) own = ActivateFonts(request, activation, keys);
+    return CopyURLs(MergeAnswers(own.Get(), shared.Get(), request).Get());
+}
+
+} // namespace
+
+const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
+                                 VLActivationOptions activation) noexcept {
+    if (!Cast<ValString>(name)) return nullptr;
+    return GuardLookup("fontWithName", name, scope, [&]() -> Ref<const ValURL> {
+        if (AsksProcess(scope)) {
+            auto own = AskProcess([&](const TGlypharyProtocol &registry) {
+                return registry.CopyFontForName(name, kVLScopeProcess);
+            });
+            if (own) return own;
+        }
+        if (AsksShared(scope)) {
+            auto shared = AskShared(
+                [&](const TGlypharyProtocol &registry) { return registry.CopyFontForName(name, scope); });
+            if (shared) return shared;
+        }
+        if (!MayActivate(scope, activation)) return nullptr;
+        return ActivateFont(RequestForName(name).Get(), activation);
     });
 }
 
 const ValURL *VLCopyFontWithProperties(const ValDictionary *request, VLScope scope,
-                                       VLActivationOptions) noexcept {
-    if (!request) return nullptr;
-    return GuardCopy([&] {
-        return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
+                                       VLActivationOptions activation) noexcept {
+    if (!Cast<ValDictionary>(request)) return nullptr;
+    return GuardLookup("fontWithProperties", request, scope, [&]() -> Ref<const ValURL> {
+        auto found = AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyFontForRequest(request, scope);
         });
+        if (found || !MayActivate(scope, activation)) return found;
+        return ActivateFont(request, activation);
     });
 }
 
 const ValArray *VLCopyFontsWithProperties(const ValDictionary *request, VLScope scope,
-                                          VLActivationOptions) noexcept {
-    if (!request) return nullptr;
-    return GuardCopy([&] {
-        return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
-            return registry.CopyFontsForRequest(request, scope);
-        });
-    });
+                                          VLActivationOptions activation) noexcept {
+    if (!Cast<ValDictionary>(request)) return nullptr;
+    return GuardLookup("fontsWithProperties", request, scope,
+                       [&] { return FindFonts(request, scope, activation); });
 }
 
+// That a character is given up even where no register was asked is deliberate.
 const ValURL *VLCopyFontForCharacter(uint32_t character, VLScope scope, uint32_t reserved) noexcept {
-    return GuardCopy([&] {
-        return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
+    const auto asked = IsLookupTraced() ? Adopt(ValNumberCreateSInt64(character)) : nullptr;
+    return GuardLookup("fontForCharacter", asked.Get(), scope, [&]() -> Ref<const ValURL> {
+        const TCharacterRejectCache rejects;
+        if (rejects.Contains(character)) {
+            LookupTrace::Tell("remembered", [](TValMutableDict &) {});
+            return nullptr;
+        }
+        auto found = AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyFontForCharacter(character, scope, reserved);
         });
+        if (!found) rejects.Add(character);
+        return found;
     });
 }

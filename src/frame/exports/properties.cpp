@@ -4,6 +4,9 @@
 #include "frame/exports/guard.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
+#include "values/val_number.hpp"
+
+#include <iterator>
 
 using namespace vellum;
 
@@ -25,11 +28,29 @@ Ref<const ValDictionary> AskBothForEachFont(VLScope scope, Ask ask) {
     return answers.IsEmpty() ? nullptr : answers.Publish();
 }
 
+// Where the summary has its fonts, and what it says of each.
+constexpr int32_t kSummaryOfFonts = 1;
+
+Ref<const ValSet> SummaryProperties() {
+    const void *const keys[] = {
+        kVLFontPropertyURL,
+        kVLFontPropertyName,
+        kVLFontPropertyFamilyName,
+        kVLFontPropertyLocalizedNames,
+        kVLFontPropertySupportedLanguages,
+        kVLFontPropertyDesignLanguages,
+        kVLFontPropertySubfamilyName,
+        kVLFontPropertyEnabled,
+        kVLFontPropertyTraits,
+    };
+    return OrBadAlloc(Adopt(ValSetCreate(keys, std::size(keys))));
+}
+
 } // namespace
 
 const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *keys,
                                              VLScope scope) noexcept {
-    if (!font || !keys) return nullptr;
+    if (!Cast<ValURL>(font) || !Cast<ValSet>(keys)) return nullptr;
     return GuardCopy([&] {
         return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertiesForFont(font, keys, scope);
@@ -39,7 +60,7 @@ const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *k
 
 const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSet *keys,
                                               VLScope scope) noexcept {
-    if (!fonts || !keys) return nullptr;
+    if (!Cast<ValArray>(fonts) || !Cast<ValSet>(keys)) return nullptr;
     return GuardCopy([&] {
         return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertiesForFonts(fonts, keys, scope);
@@ -49,7 +70,7 @@ const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSe
 
 const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValString *key,
                                             VLScope scope) noexcept {
-    if (!fonts || !key) return nullptr;
+    if (!Cast<ValArray>(fonts) || !Cast<ValString>(key)) return nullptr;
     return GuardCopy([&] {
         return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertyForFonts(fonts, key, scope);
@@ -58,7 +79,7 @@ const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValStri
 }
 
 const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) noexcept {
-    if (!keys) return nullptr;
+    if (!Cast<ValSet>(keys)) return nullptr;
     return GuardCopy([&]() -> Ref<const ValArray> {
         TValMutableArray all;
         if (AsksProcess(scope))
@@ -69,8 +90,24 @@ const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) n
     });
 }
 
+const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query, VLScope scope) noexcept {
+    return GuardCopy([&] {
+        TValMutableDict summary;
+        if (AsksProcess(scope)) {
+            const auto fonts =
+                TLocalGlyphary().CopyPropertiesForAllFonts(SummaryProperties().Get(), kVLScopeProcess);
+            if (fonts) summary.Set(MakeNumber(kSummaryOfFonts).Get(), fonts.Get());
+        }
+        if (AsksShared(scope)) {
+            const auto shared = TGlobalGlyphary().ExperimentalDataFunnel(query, scope);
+            for (const auto &[key, value] : TValDict(shared)) summary.Set(key, value);
+        }
+        return summary.Publish();
+    });
+}
+
 VLScope VLGetScopeForFont(const ValURL *font) noexcept {
-    if (!font) return 0;
+    if (!Cast<ValURL>(font)) return 0;
     return Guard(
         [&] { return TLocalGlyphary().GetFontScope(font) | TGlobalGlyphary().GetFontScope(font); });
 }

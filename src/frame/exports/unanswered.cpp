@@ -3,10 +3,6 @@
 // what stands for nothing, and take nothing over from their callers.
 #include <vellum/vellum.h>
 
-const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *, VLScope) noexcept {
-    return ValDictionaryCreate(nullptr, nullptr, 0);
-}
-
 VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *) noexcept {
     return kVLAutoActivationDefault;
 }

@@ -6,6 +6,8 @@
 #pragma once
 
 #include "frame/registry/glyphary_protocol.hpp"
+#include "values/val_dictionary.hpp"
+#include "values/val_set.hpp"
 
 #include <mutex>
 
@@ -36,14 +38,34 @@ public:
     virtual Ref<const ValArray> CopyRemoteFontProviderPorts() const;
 
     // The indexes, for registers that keep any. Index ids run from `first_id`, GetIndexCount of them.
-    virtual Ref<const ValSet> SearchIndexedFontsForName(uint16_t id, const void *key) const = 0;
+    virtual Ref<const ValSet> SearchIndexedFontsForName(uint16_t id, const ValString *name) const = 0;
     virtual uint16_t GetIndexCount(uint16_t &first_id) const = 0;
     virtual TFontIndex *GetIndex(uint16_t id) const = 0;
     virtual TFontIndex *GetIndexForProperty(const ValString *key) const = 0;
 
+    // The search through the indexes, defined in query/. `request` is a copy of what was asked: a key that
+    // an index answers for is taken out of it, whether or not the index has the value. `indexed` is set
+    // when there was such a key. Candidates are font references, as in FontTable.
+    //
+    // One key: true when its index has the value. Candidates that are not empty are narrowed to what the
+    // index has; when they are empty, they become that. That candidates which an earlier key has left
+    // empty are filled again is deliberate.
+    bool SearchIndexForRequest(const ValString *key, TValMutableDict &request, TValMutableSet &candidates,
+                               bool &indexed) const;
+
+    // All keys: true when there are candidates in the end.
+    bool SearchIndexedFontsForRequest(TValMutableDict &request, TValMutableSet &candidates,
+                                      bool &indexed) const;
+
+    // The answer of the first of the indexes `first` to `last` that has a name; null when none has.
+    Ref<const ValSet> SearchNameIndicesForFonts(uint16_t first, uint16_t last, const ValString *name) const;
+
     std::mutex &Mutex() const noexcept { return mutex_; }
 
 private:
+    // The key of the PostScript name, and where no font has it so, in what other way fonts are called so.
+    bool SearchPostScriptName(TValMutableDict &request, TValMutableSet &candidates, bool &indexed) const;
+
     mutable std::mutex mutex_;
 };
 

@@ -69,4 +69,21 @@ int Collate(std::string_view a, std::string_view b) noexcept {
     return static_cast<int>(b.empty()) - static_cast<int>(a.empty());
 }
 
+// No transformed text holds the byte 0, so that one ends it.
+void AppendCollationKey(std::string &key, std::string_view text) {
+    const std::string piece(TakePiece(text));
+    const size_t start = key.size();
+    if (locale_t locale = CollationLocale()) {
+        key.resize(start + 4 * piece.size() + 16);
+        for (size_t length;
+             start + (length = strxfrm_l(&key[start], piece.c_str(), key.size() - start, locale)) >=
+             key.size();)
+            key.resize(start + length + 1);
+        key.resize(start + std::char_traits<char>::length(&key[start]));
+    } else {
+        key += piece;
+    }
+    key += '\0';
+}
+
 } // namespace vellum

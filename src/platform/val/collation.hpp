@@ -2,6 +2,7 @@
 // Collation by the user's locale.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace vellum {
@@ -10,5 +11,9 @@ namespace vellum {
 // first called, whatever locale the program has set; by code points where that locale is missing
 // or is none of UTF-8.
 int Collate(std::string_view a, std::string_view b) noexcept;
+
+// Appends bytes to `key` whose order, as bytes, is the order of the texts. No text's bytes begin those of
+// another; a text with U+0000 in it counts up to there. Throws std::bad_alloc.
+void AppendCollationKey(std::string &key, std::string_view text);
 
 } // namespace vellum

@@ -6,7 +6,10 @@
 // the exact order, which is bytes for all.
 #include "platform/val/collation.hpp"
 #include "platform/val/letter_case.hpp"
+#include "platform/val/sort_key.hpp"
 #include "platform/val/text_buffer.hpp"
+
+#include <new>
 
 namespace vellum {
 namespace {
@@ -93,7 +96,32 @@ int CompareFolded(std::string_view a, std::string_view b, ValCompareOptions opti
     return CompareUnfolded(left.View(), right.View(), options);
 }
 
+// What follows the words in a sort key: a number, or nothing.
+constexpr char kEnd = 0, kNumber = 1;
+
+// The number's digits, behind their count: the longer number is the greater one.
+void AppendNumber(std::string &key, std::string_view digits) {
+    for (int shift = 24; shift >= 0; shift -= 8)
+        key += static_cast<char>(static_cast<uint32_t>(digits.size()) >> shift);
+    key += digits;
+}
+
 } // namespace
+
+std::string MakeSortKey(const ValString &string) {
+    if (!string.is_unicode) return '\xFF' + std::string(Text(string));
+    TextBuffer folded;
+    AppendFolded(folded, Text(string));
+    if (folded.Failed()) throw std::bad_alloc();
+    std::string key;
+    for (std::string_view text = folded.View();;) {
+        AppendCollationKey(key, TakeWords(text));
+        key += text.empty() ? kEnd : kNumber;
+        if (text.empty()) return key;
+        AppendNumber(key, TakeNumber(text));
+    }
+}
+
 } // namespace vellum
 
 using namespace vellum;

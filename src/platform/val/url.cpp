@@ -132,7 +132,9 @@ const ValString *ValURLCopyFragment(const ValURL *url) noexcept {
 const ValString *ValURLCopyDecodedFragment(const ValURL *url) noexcept {
     if (!url) return nullptr;
     auto fragment = Parts(*url).fragment;
-    return fragment ? Unescape(*fragment).Release() : nullptr;
+    if (!fragment) return nullptr;
+    auto decoded = Unescape(*fragment);
+    return decoded ? decoded.Release() : ValURLCopyFragment(url);
 }
 
 const ValURL *ValURLCopyWithFragment(const ValURL *url, const ValString *fragment) noexcept {

@@ -222,7 +222,7 @@ TEST(Fragment, IsDecodedOnRequest) {
     EXPECT_EQ(DecodedFragment("file:///a#50%"), "50%");
     EXPECT_EQ(DecodedFragment("file:///a#%FF"), "\xFF");
     EXPECT_EQ(DecodedFragment("file:///a#"), "");
-    EXPECT_EQ(DecodedFragment("file:///a#%00"), "(null)");
+    EXPECT_EQ(DecodedFragment("file:///a#a%20b%00"), "a%20b%00");
     EXPECT_EQ(DecodedFragment("file:///a"), "(null)");
 }
 
