@@ -4,6 +4,9 @@
 #include "tools/exit_code.hpp"
 #include "tools/fontinfo.hpp"
 #include "tools/inspect.hpp"
+#include "tools/list.hpp"
+#include "tools/match.hpp"
+#include "tools/runs.hpp"
 #include "tools/text.hpp"
 
 #include <CLI/CLI.hpp>
@@ -42,6 +45,9 @@ int Run(int count, char **arguments) {
     app.footer(
         "Example:\n  vellum inspect ~/.local/share/fonts\n\n'vellum VERB --help' tells more of a verb.\n");
     int result = kDone;
+    AddList(app, result);
+    AddMatch(app, result);
+    AddText(app, result);
     AddInspect(app, result);
     AddCoverage(app, result);
     AddFontInfo(app, result);

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "tools/font_set.hpp"
+
+#include "tools/file_faces.hpp"
+#include "tools/text.hpp"
+
+#include <algorithm>
+#include <iterator>
+
+namespace vellum::tool {
+
+namespace {
+
+std::string StringIn(const ValDictionary *properties, const ValString *key) {
+    return Text(StringAt(properties, key)).value_or("");
+}
+
+FoundFont Read(const ValURL *font, const ValDictionary *properties) {
+    return {
+        Text(ValURLGetString(font)).value_or(""),           PathOf(font),
+        StringIn(properties, kVLFontPropertyName),          StringIn(properties, kVLFontPropertyFamilyName),
+        StringIn(properties, kVLFontPropertySubfamilyName), StringIn(properties, kVLFontPropertyFullName)};
+}
+
+Ref<const ValSet> NameKeys() {
+    const void *const keys[] = {kVLFontPropertyName, kVLFontPropertyFamilyName,
+                                kVLFontPropertySubfamilyName, kVLFontPropertyFullName};
+    return Adopt(ValSetCreate(keys, std::size(keys)));
+}
+
+Json OrNull(const std::string &name) {
+    return name.empty() ? Json() : Json(name);
+}
+
+} // namespace
+
+void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths) {
+    verb.add_option("--in", paths, "only the fonts of these files and folders, not the machine's")
+        ->type_name("PATH")
+        ->allow_extra_args(false);
+}
+
+FontSet::FontSet(const std::vector<std::string> &paths)
+    : scope_(paths.empty() ? VLScope{kVLScopeAll} : VLScope{kVLScopeProcess}) {
+    if (paths.empty()) return;
+    const FontFiles files = FindFontFiles(paths);
+    refusals_ = files.refusals;
+    size_t registered = 0;
+    for (const std::string &path : files.paths) {
+        if (VLRegisterFont(FileURL(path).Get(), 0, kVLScopeProcess))
+            ++registered;
+        else
+            refusals_.push_back(ExplainRefusal(path));
+    }
+    none_usable_ = registered == 0 && !refusals_.empty();
+    Report(refusals_);
+}
+
+FoundFont Describe(const ValURL *font, VLScope scope) {
+    return Read(font, Adopt(VLCopyPropertiesForFont(font, NameKeys().Get(), scope)).Get());
+}
+
+std::vector<FoundFont> DescribeAll(const ValArray *fonts, VLScope scope) {
+    const auto properties = Adopt(VLCopyPropertiesForFonts(fonts, NameKeys().Get(), scope));
+    std::vector<FoundFont> found;
+    for (size_t i = 0; i < ValArrayGetCount(fonts); ++i) {
+        const auto *font = static_cast<const ValURL *>(ValArrayGetValue(fonts, i));
+        const void *own = ValDictionaryGetValue(properties.Get(), font);
+        found.push_back(Read(font, static_cast<const ValDictionary *>(own)));
+    }
+    return found;
+}
+
+Json ToJson(const FoundFont &font) {
+    return {{"path", font.path},
+            {"url", font.url},
+            {"postscriptName", OrNull(font.postscript_name)},
+            {"familyName", OrNull(font.family)},
+            {"subfamilyName", OrNull(font.style)},
+            {"fullName", OrNull(font.full_name)}};
+}
+
+std::string NameOf(const FoundFont &font) {
+    for (const std::string *name : {&font.full_name, &font.postscript_name, &font.family})
+        if (!name->empty()) return Printable(*name);
+    return "(without a name)";
+}
+
+std::string ToLine(const FoundFont &font) {
+    return NameOf(font) + "  " + Printable(font.path);
+}
+
+} // namespace vellum::tool

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Which fonts a verb asks about: those of the machine, or those of files that were named.
+#pragma once
+
+#include "tools/exit_code.hpp"
+#include "tools/font_files.hpp"
+#include "tools/json.hpp"
+
+#include <vellum/vellum.hpp>
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace vellum::tool {
+
+// The option that names the files; `paths` must outlive the parsing.
+void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths);
+
+class FontSet {
+public:
+    // Registers the fonts of the files and folders for this process; with none, nothing. Says on standard
+    // error what was refused.
+    explicit FontSet(const std::vector<std::string> &paths);
+
+    // To be asked with: the process's own fonts where files were named, else all that the machine has.
+    VLScope Scope() const noexcept { return scope_; }
+
+    const std::vector<Refusal> &Refusals() const noexcept { return refusals_; }
+
+    // The code for "this is not there", unless files were named of which none is a font.
+    ExitCode NotFound() const noexcept { return none_usable_ ? kBadFont : kNothingFound; }
+
+private:
+    VLScope scope_;
+    std::vector<Refusal> refusals_;
+    bool none_usable_ = false;
+};
+
+// Looking for fonts activates none.
+inline constexpr VLActivationOptions kActivateNothing =
+    kVLActivationNotFromProviders | kVLActivationNotFromSearch;
+
+// A face as verbs that find fonts show it.
+struct FoundFont {
+    std::string url;
+    std::string path;
+    std::string postscript_name; // empty names are names that it has not
+    std::string family;
+    std::string style;
+    std::string full_name;
+};
+
+FoundFont Describe(const ValURL *font, VLScope scope);
+std::vector<FoundFont> DescribeAll(const ValArray *fonts, VLScope scope);
+
+Json ToJson(const FoundFont &font);
+
+// For people: what it is called, and the file that it is in.
+std::string NameOf(const FoundFont &font);
+std::string ToLine(const FoundFont &font);
+
+} // namespace vellum::tool
