@@ -186,6 +186,13 @@ bool IsDropped(const ValDictionary *stage) {
     return TextAt(stage, "stage") == "dropped";
 }
 
+bool IsOrder(const ValDictionary *stage) {
+    return TextAt(stage, "stage") == "order";
+}
+
+// Who reads on wants to know why the first ones are first.
+constexpr size_t kToldOrders = 10;
+
 // The property that puts the first font of the answer before a later one: of those between neighbours on
 // the way, the one that counts most.
 std::string DecidedUpTo(const ValURL *font, const std::vector<const ValDictionary *> &stages) {
@@ -193,7 +200,7 @@ std::string DecidedUpTo(const ValURL *font, const std::vector<const ValDictionar
                                         kVLFontPropertySubfamilyName, kVLFontPropertyPriority};
     size_t best = std::size(by_rank);
     for (const ValDictionary *stage : stages) {
-        if (TextAt(stage, "stage") != "order") continue;
+        if (!IsOrder(stage)) continue;
         const void *decided_by = At(stage, "decidedBy");
         const auto rank = static_cast<size_t>(
             std::ranges::find_if(by_rank,
@@ -238,6 +245,7 @@ TracedAnswer FindTraced(const ValDictionary *request, VLScope scope) {
 
 std::vector<std::string> Explain(const TracedAnswer &answer, VLScope scope) {
     std::vector<std::string> lines;
+    size_t orders = 0;                     // neighbours in the answer
     std::map<std::string, size_t> dropped; // by property
     const auto tell_dropped = [&] {
         for (const auto &[property, count] : dropped)
@@ -250,9 +258,10 @@ std::vector<std::string> Explain(const TracedAnswer &answer, VLScope scope) {
             continue;
         }
         tell_dropped();
-        lines.push_back(WordsForStage(stage, scope));
+        if (!IsOrder(stage) || ++orders <= kToldOrders) lines.push_back(WordsForStage(stage, scope));
     }
     tell_dropped();
+    if (orders > kToldOrders) lines.push_back("  and so on, for " + Fonts(orders - kToldOrders) + " more");
     return lines;
 }
 

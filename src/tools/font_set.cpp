@@ -52,8 +52,8 @@ FontSet::FontSet(const std::vector<std::string> &paths)
         else
             refusals_.push_back(ExplainRefusal(path));
     }
-    none_usable_ = registered == 0 && !refusals_.empty();
     Report(refusals_);
+    if (registered == 0) not_found_ = Judge({0, refusals_});
 }
 
 FoundFont Describe(const ValURL *font, VLScope scope) {

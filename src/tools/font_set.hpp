@@ -28,13 +28,13 @@ public:
 
     const std::vector<Refusal> &Refusals() const noexcept { return refusals_; }
 
-    // The code for "this is not there", unless files were named of which none is a font.
-    ExitCode NotFound() const noexcept { return none_usable_ ? kBadFont : kNothingFound; }
+    // The code for "this is not there", or for why none of the named files is a font.
+    ExitCode NotFound() const noexcept { return not_found_; }
 
 private:
     VLScope scope_;
     std::vector<Refusal> refusals_;
-    bool none_usable_ = false;
+    ExitCode not_found_ = kNothingFound;
 };
 
 // Looking for fonts activates none.

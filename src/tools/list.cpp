@@ -163,7 +163,7 @@ void AddList(CLI::App &app, int &result) {
         "by their paths; with a request, the fonts that fit it best come first.\n\n" +
         RequestHelp() +
         "\nExit codes: 0 something is listed; 1 nothing fits, or some files of --in were refused;\n"
-        "2 wrong usage; 5 what --in names is no font.\n\n"
+        "2 wrong usage; 4 what --in names may not be read; 5 it is no font.\n\n"
         "Example:\n"
         "  vellum list families --lang ja\n"
         "  vellum list files --where format=opentype-postscript bold\n");

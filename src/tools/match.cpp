@@ -165,7 +165,8 @@ void AddMatch(CLI::App &app, int &result) {
         RequestHelp() +
         "\nA font that does not fit is never shown in the place of one that does, unless --substitute\n"
         "asks for it.\n\n"
-        "Exit codes: 0 a font is shown; 1 no font fits; 2 wrong usage; 5 what --in names is no font.\n\n"
+        "Exit codes: 0 a font is shown; 1 no font fits; 2 wrong usage; 4 what --in names may not be read;\n"
+        "5 it is no font.\n\n"
         "Example:\n"
         "  vellum match family='DejaVu Sans' bold --explain\n"
         "  vellum match lang=ja weight=light --all --in ~/fonts\n"

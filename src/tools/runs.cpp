@@ -188,7 +188,7 @@ void AddText(CLI::App &app, int &result) {
     verb->footer(
         "Blanks, punctuation and marks stay with the text before them where its font has them.\n\n"
         "Exit codes: 0 every character is drawn; 1 some are drawn by no font, or there is no font of\n"
-        "the name; 2 wrong usage; 5 what --in names is no font.\n\n"
+        "the name; 2 wrong usage; 4 what --in names may not be read; 5 it is no font.\n\n"
         "Example:\n"
         "  vellum text 'Grüße, 世界' --font 'DejaVu Serif'\n");
     verb->callback([options, &result] { result = RunText(*options); });

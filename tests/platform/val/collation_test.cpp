@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/val/collation.hpp"
 #include "platform/val/shorthand.hpp"
+#include "platform/val/sort_key.hpp"
 
 #include <gtest/gtest.h>
 #include <locale.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
 
 // The C library itself loses what it makes of LOCPATH; the leak sanitizer asks for this.
 extern "C" const char *__lsan_default_suppressions();
@@ -102,6 +106,62 @@ TEST_F(LocalizedOrder, IsThatOfCodePointsInALocaleThatIsNotUtf8) {
     Use("de_DE", "ISO-8859-1");
     if (IsSkipped()) return;
     EXPECT_EQ(Compare("Z", "a"), -1);
+}
+
+// ---- sort keys ---------------------------------------------------------------------------------------
+
+constexpr ValCompareOptions kAsFamilies =
+    kValCompareCaseInsensitive | kValCompareNumeric | kValCompareLocalized;
+
+int Sign(int order) {
+    return (order > 0) - (order < 0);
+}
+
+// Words of few letters with numbers between them, so that many are nearly the same.
+std::vector<std::string> SimilarTexts() {
+    constexpr const char *kPieces[] = {"a",  "A", "\u00e4", "b",      "\u00df",     "ss",
+                                       "z",  "-", " ",      "\u3042", "\U0001F600", "0",
+                                       "00", "1", "9",      "10",     "099",        "."};
+    std::mt19937 random(20);
+    std::vector<std::string> texts = {"", " ", "0", "a", "\xff", "\xff\x01"};
+    for (int i = 0; i < 300; ++i) {
+        std::string text;
+        for (size_t length = random() % 5 + 1; length > 0; --length)
+            text += kPieces[random() % std::size(kPieces)];
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+void ExpectKeysInTheOrderOfTexts() {
+    struct Keyed {
+        Ref<const ValString> string;
+        std::string key;
+    };
+    std::vector<Keyed> all;
+    for (const std::string &text : SimilarTexts()) {
+        auto string = Adopt(ValStringCreateWithFileSystemRepresentation(text.data(), text.size()));
+        all.push_back({string, MakeSortKey(*string)});
+    }
+    for (const Keyed &a : all)
+        for (const Keyed &b : all)
+            ASSERT_EQ(Sign(a.key.compare(b.key)),
+                      Sign(ValStringCompare(a.string.Get(), b.string.Get(), kAsFamilies)))
+                << TextOf(a.string) << " and " << TextOf(b.string);
+}
+
+TEST_F(LocalizedOrder, OfSortKeysIsThatOfTheirTextsInGerman) {
+    Use("de_DE");
+    ExpectKeysInTheOrderOfTexts();
+}
+
+TEST_F(LocalizedOrder, OfSortKeysIsThatOfTheirTextsInSwedish) {
+    Use("sv_SE");
+    ExpectKeysInTheOrderOfTexts();
+}
+
+TEST_F(LocalizedOrder, OfSortKeysIsThatOfTheirTextsWithoutALocale) {
+    ExpectKeysInTheOrderOfTexts();
 }
 
 } // namespace
