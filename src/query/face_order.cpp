@@ -191,7 +191,13 @@ const CharacterPages::Coverage *FaceOrder::CoverageAt(size_t index) {
 const FaceOrder::Face *FaceOrder::FindCharacter(uint32_t character) {
     Faces();
     const uint32_t failures = tPassingFailures;
-    const size_t place = pages_.Find(character, [this](size_t index) { return CoverageAt(index); });
+    size_t place = CharacterPages::kNone;
+    try {
+        place = pages_.Find(character, [this](size_t index) { return CoverageAt(index); });
+    } catch (...) { // memory is exhausted: a coverage may have been passed over
+        ForgetCharacters();
+        throw;
+    }
     if (failures != tPassingFailures) ForgetCharacters(); // one could not be read for the moment
     return place == CharacterPages::kNone ? nullptr : &faces_[place];
 }

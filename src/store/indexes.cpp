@@ -2,6 +2,7 @@
 // The indexes of a register: made when first asked for, then kept current by every change.
 #include "describe/client_font_entity.hpp"
 #include "describe/font_properties.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "store/font_name_index.hpp"
 #include "store/font_path_index.hpp"
 #include "store/local_glyphary_imp.hpp"
@@ -39,6 +40,12 @@ void ForEachIndexKey(const void *value, Visit visit) {
     }
 }
 
+// Names are read from the font's file, which may fail for the moment: the index is then made again when it
+// is next asked for. Paths are known.
+constexpr bool IsOfNames(uint16_t id) {
+    return id >= kPostScriptNameIndex && id <= kSubfamilyNameIndex;
+}
+
 Ref<const void> IndexedValue(const TFontIndex &index, const GxFont *font) {
     return TClientFontEntity(Retain(font)).CopyProperty(index.GetIndexedProperty(), true);
 }
@@ -52,10 +59,12 @@ uint16_t TLocalGlypharyImp::GetIndexCount(uint16_t &first_id) const {
 
 TFontIndex *TLocalGlypharyImp::GetIndex(uint16_t id) const {
     auto &slot = indexes_[id];
-    if (!slot) {
+    if (!slot || spoilt_indexes_[id]) {
+        const uint32_t failures = tPassingFailures;
         auto index = MakeIndex(id);
         AddAllFontsToIndex(*index);
         slot = std::move(index);
+        spoilt_indexes_[id] = IsOfNames(id) && failures != tPassingFailures;
     }
     return slot.get();
 }
@@ -102,11 +111,13 @@ void TLocalGlypharyImp::RemoveFontFromIndex(TFontIndex &index, FontReference ref
 
 void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept {
     for (uint16_t id = kPathIndex; id < kDisabledPathIndex; ++id) {
+        const uint32_t failures = tPassingFailures;
         try {
             if (indexes_[id]) AddFontToIndex(*indexes_[id], reference, font);
         } catch (...) {
             indexes_[id].reset();
         }
+        if (IsOfNames(id) && failures != tPassingFailures) spoilt_indexes_[id] = true;
     }
     try {
         if (order_) order_->FaceAdded(reference);
@@ -116,12 +127,14 @@ void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *
 }
 
 void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept {
-    for (auto &index : indexes_) {
+    for (uint16_t id = kPathIndex; id < kIndexCount; ++id) {
+        const uint32_t failures = tPassingFailures;
         try {
-            if (index) RemoveFontFromIndex(*index, reference, font);
+            if (indexes_[id]) RemoveFontFromIndex(*indexes_[id], reference, font);
         } catch (...) {
-            index.reset();
+            indexes_[id].reset();
         }
+        if (IsOfNames(id) && failures != tPassingFailures) spoilt_indexes_[id] = true;
     }
     try {
         if (order_) order_->FaceRemoved(reference);

@@ -173,6 +173,7 @@ private:
     mutable TValMutableDict data_fonts_;        // ValData to GxFont, which enabled_ holds
     mutable TValMutableDict legacy_containers_; // FontReference to container id; fonts in memory only
     mutable std::array<std::unique_ptr<TFontIndex>, kIndexCount> indexes_;
+    mutable std::array<bool, kIndexCount> spoilt_indexes_{}; // some font could not be read for the moment
     mutable std::unique_ptr<TTableFollower> order_; // a FaceOrder of enabled_
 };
 

@@ -47,6 +47,13 @@ class TheBest(MatchCase):
         self.assertEqual(done.stdout, b"")
         self.assertEqual(done.stderr, b"vellum: no font fits family=Beta\n")
 
+    def test_is_the_same_in_every_process(self):
+        for number in range(60):
+            self.font(f"{number}.ttf", f"Family {number % 7}", f"Style {number % 5}")
+        first, second = (self.match("char=A", "--all").stdout for _ in range(2))
+        self.assertEqual(len(first.splitlines()), 60)
+        self.assertEqual(first, second)
+
     def test_has_a_document_for_programs(self):
         path = self.font("a.ttf", "Alpha")
         document = self.document_of("match", "Alpha", "--in", str(self.folder))

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "frame/registry/generation_seed.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "values/val_array.hpp"
 
 #include <vellum/vellum.h>
@@ -25,8 +26,10 @@ public:
         const uint32_t generation = TGenerationSeed::GetGeneration();
         const size_t place = scope & kVLScopeAll;
         if (auto kept = Find(place, generation)) return kept;
+        const uint32_t failures = tPassingFailures;
         auto fresh = make();
-        if (TGenerationSeed::GetGeneration() == generation) Keep(place, generation, fresh);
+        const bool is_whole = failures == tPassingFailures;
+        if (is_whole && TGenerationSeed::GetGeneration() == generation) Keep(place, generation, fresh);
         return fresh;
     }
 

@@ -6,6 +6,7 @@
 #include "frame/exports/guard_lookup.hpp"
 #include "frame/exports/merge_answers.hpp"
 #include "ipc/client/character_reject_cache.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
 #include "values/val_number.hpp"
@@ -32,15 +33,29 @@ Ref<const ValURL> ActivateFont(const ValDictionary *request, VLActivationOptions
     return ActivationFor(request, activation).CopyAutoActivatedFont(kVLScopeProcess);
 }
 
-// What the process's register says of fonts that were activated, in their order.
+// What is said of a font of which no more is known.
+Ref<const ValDictionary> URLAlone(const ValURL *url) {
+    TValMutableDict properties;
+    properties.Set(kVLFontPropertyURL, url);
+    return properties.Publish();
+}
+
+// What the process's register says of fonts that were activated, in their order. Where it knows none of
+// them, because the font server has them, their URLs.
 Ref<const ValArray> ActivateFonts(const ValDictionary *request, VLActivationOptions activation,
                                   const ValSet *keys) {
     const auto urls = ActivationFor(request, activation).CopyAutoActivatedFonts(kVLScopeProcess);
     if (ValArrayGetCount(urls.Get()) == 0) return nullptr;
     const auto properties = TLocalGlyphary().CopyPropertiesForFonts(urls.Get(), keys, kVLScopeProcess);
     TValMutableArray fonts;
-    for (const void *url : Elements(urls.Get()))
-        if (const void *found = ValDictionaryGetValue(properties.Get(), url)) fonts.Append(found);
+    for (const void *element : Elements(urls.Get())) {
+        const auto *url = Cast<ValURL>(element);
+        const void *known = ValDictionaryGetValue(properties.Get(), url);
+        if (known)
+            fonts.Append(known);
+        else if (!properties)
+            fonts.Append(URLAlone(url).Get());
+    }
     return fonts.IsEmpty() ? nullptr : fonts.Publish();
 }
 
@@ -111,10 +126,12 @@ const ValURL *VLCopyFontForCharacter(uint32_t character, VLScope scope, uint32_t
             LookupTrace::Tell("remembered", [](TValMutableDict &) {});
             return nullptr;
         }
+        const uint32_t failures = tPassingFailures;
         auto found = AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyFontForCharacter(character, scope, reserved);
         });
-        if (!found) rejects.Add(character);
+        const bool is_whole = failures == tPassingFailures; // no font was unreadable for the moment
+        if (!found && is_whole) rejects.Add(character);
         return found;
     });
 }

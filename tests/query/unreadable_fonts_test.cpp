@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Questions that are asked while no file can be opened: what can't be answered then is not forgotten for good.
+#include "frame/handles/local_glyphary.hpp"
+#include "query/query_fixture.hpp"
+
+#include <sys/resource.h>
+
+namespace vellum::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+// No file can be opened while it lives.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &former_), 0);
+        const rlimit none{0, former_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    }
+    ~NoDescriptors() { ::setrlimit(RLIMIT_NOFILE, &former_); }
+
+private:
+    rlimit former_{};
+};
+
+class UnreadableFonts : public ::testing::Test {
+protected:
+    UnreadableFonts() {
+        for (const char *name : {"B", "A"}) {
+            const auto url = folder.Add(std::string(name) + ".ttf", MakeFont({name}));
+            EXPECT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
+        }
+    }
+
+    static std::string Named(const char *name) {
+        return NameIn(Adopt(VLCopyFontWithName(String(name).Get(), kVLScopeProcess, kNone)));
+    }
+    static std::vector<std::string> All() {
+        return NamesIn(Adopt(VLCopyFontsWithProperties(Request({}).Get(), kVLScopeProcess, kNone)));
+    }
+    static std::string Drawing(uint32_t character) {
+        return NameIn(Adopt(VLCopyFontForCharacter(character, kVLScopeProcess, 0)));
+    }
+    static std::vector<std::string> Families() {
+        return Texts(Adopt(VLCopyAvailableFamilyNames(kVLScopeProcess)));
+    }
+
+    static constexpr VLActivationOptions kNone = kVLActivationNotFromProviders | kVLActivationNotFromSearch;
+
+    FontFolder folder;
+};
+
+TEST_F(UnreadableFonts, AreFoundByNameWhenTheyCanBeReadAgain) {
+    {
+        const NoDescriptors none;
+        static_cast<void>(Named("A-Regular"));
+    }
+    EXPECT_EQ(Named("A-Regular"), "A-Regular");
+    EXPECT_EQ(Named("B"), "B-Regular");
+}
+
+TEST_F(UnreadableFonts, StandInOrderWhenTheyCanBeReadAgain) {
+    {
+        const NoDescriptors none;
+        static_cast<void>(All());
+    }
+    EXPECT_THAT(All(), ElementsAre("A-Regular", "B-Regular"));
+}
+
+TEST_F(UnreadableFonts, DrawACharacterWhenTheyCanBeReadAgain) {
+    {
+        const NoDescriptors none;
+        static_cast<void>(Drawing('A'));
+    }
+    EXPECT_EQ(Drawing('A'), "A-Regular");
+}
+
+TEST_F(UnreadableFonts, AreListedWhenTheyCanBeReadAgain) {
+    {
+        const NoDescriptors none;
+        static_cast<void>(Families());
+    }
+    EXPECT_THAT(Families(), ElementsAre("A", "B"));
+}
+
+} // namespace
+} // namespace vellum::test
