@@ -10,7 +10,9 @@
  *  3. Ownership. What a Copy or Create function returns is the caller's, to be given back with
  *     ValRelease; so are arrays handed out through a pointer. Get functions return borrowed
  *     pointers that live as long as the process.
- *  4. Laziness. Loading the library does nothing; the first call that needs a register makes it.
+ *  4. Containers. What is handed to a query holds values, under kValValueCallbacks; containers with a
+ *     caller's own callbacks, or inside such ones, are bad arguments.
+ *  5. Laziness. Loading the library does nothing; the first call that needs a register makes it.
  *
  * Fonts stand in two registers: the process's own, which only this process sees, and the shared
  * one. Every function takes a scope word that says which of them is meant.

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <iterator>
 #include <ranges>
+#include <utility>
 
 namespace vellum {
 
@@ -180,8 +181,13 @@ void FaceOrder::ForgetCharacters() noexcept {
 const CharacterPages::Coverage *FaceOrder::CoverageAt(size_t index) {
     while (coverages_.size() <= index && covered_ < faces_.size()) {
         Face &face = faces_[covered_];
-        if (!face.coverage && !IsEndstop(face)) face.coverage = GxFontCopyCharacterSet(face.font);
-        if (face.coverage && !IsEndstop(face) && seen_coverages_.insert(face.coverage.Get()).second)
+        if (!face.coverage && !IsEndstop(face)) {
+            const uint32_t failures = tPassingFailures;
+            auto coverage = GxFontCopyCharacterSet(face.font);
+            // What could not be read for the moment counts for nothing, and is asked for again.
+            if (failures == tPassingFailures) face.coverage = std::move(coverage);
+        }
+        if (face.coverage && seen_coverages_.insert(face.coverage.Get()).second)
             coverages_.push_back({face.coverage.Get(), covered_});
         ++covered_;
     }

@@ -174,7 +174,7 @@ private:
     mutable TValMutableDict legacy_containers_; // FontReference to container id; fonts in memory only
     mutable std::array<std::unique_ptr<TFontIndex>, kIndexCount> indexes_;
     mutable std::array<bool, kIndexCount> spoilt_indexes_{}; // some font could not be read for the moment
-    mutable std::unique_ptr<TTableFollower> order_; // a FaceOrder of enabled_
+    mutable std::unique_ptr<TTableFollower> order_;          // a FaceOrder of enabled_
 };
 
 } // namespace vellum

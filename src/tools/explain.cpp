@@ -120,7 +120,10 @@ std::string MissingCharacters(const ValCharacterSet *wanted, const ValCharacterS
         if (!ValCharacterSetRemoveRange(missing.Get(), first, last)) break;
     if (ValCharacterSetGetCount(missing.Get()) == 0)
         return "it stands for the end of a list of fonts, and is never chosen for characters";
-    return "it has no U+" + RangesOf(missing.Get());
+    std::string ranges = RangesOf(missing.Get());
+    const auto upper = [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; };
+    std::ranges::transform(ranges, ranges.begin(), upper);
+    return "it has no U+" + ranges;
 }
 
 bool Supports(const ValArray *own, const void *language) {
@@ -173,8 +176,13 @@ std::string WordsForStage(const ValDictionary *stage, VLScope scope) {
         return "  no name is asked for: " + Fonts(CountAt(stage, "fonts")) + " to look through";
     if (kind == "order") {
         const void *decided_by = At(stage, "decidedBy");
-        return "  " + NameOfURL(At(stage, "font"), scope) + " comes before " +
-               NameOfURL(At(stage, "before"), scope) +
+        std::string first = NameOfURL(At(stage, "font"), scope);
+        std::string second = NameOfURL(At(stage, "before"), scope);
+        if (first == second) { // their files tell them apart
+            first = Quoted(At(stage, "font"));
+            second = Quoted(At(stage, "before"));
+        }
+        return "  " + first + " comes before " + second +
                (decided_by ? " by the " + WordsFor(static_cast<const ValString *>(decided_by))
                            : ", as it was registered first");
     }
@@ -219,6 +227,8 @@ std::string WhyNoCandidate(const ValURL *font, const std::vector<Wish> &wishes, 
         const auto properties =
             Adopt(VLCopyPropertiesForFont(font, Adopt(ValSetCreate(keys, 1)).Get(), scope));
         const void *own = ValDictionaryGetValue(properties.Get(), wish.key);
+        if (wish.key == kVLFontPropertyURL)
+            return "it lies in " + Printable(PathOf(font)) + ", not in " + Quoted(wish.value.Get());
         const auto *text = As<ValString>(own, kValTypeString);
         const auto *wanted = As<ValString>(wish.value.Get(), kValTypeString);
         if (!wanted || (text && ValStringCompare(text, wanted, kValCompareCaseInsensitive) == 0)) continue;

@@ -28,6 +28,9 @@ public:
 
     const std::vector<Refusal> &Refusals() const noexcept { return refusals_; }
 
+    // The code for "here it is": it tells whether some of the named files are no fonts.
+    ExitCode Found() const noexcept { return refusals_.empty() ? kDone : kNothingFound; }
+
     // The code for "this is not there", or for why none of the named files is a font.
     ExitCode NotFound() const noexcept { return not_found_; }
 

@@ -21,6 +21,8 @@ struct Options {
     std::string what = "families";
     std::vector<std::string> in;
     std::vector<std::string> words; // the request, in the form of ReadWishes
+    std::vector<std::string> languages;
+    std::vector<std::string> characters;
     std::vector<std::string> where;
     bool json = false;
     bool jsonl = false;
@@ -120,13 +122,26 @@ void Show(const std::vector<std::string> &items, const Options &options, const F
         std::cout << (options.jsonl ? Dump(Json(item), -1) : Printable(item)) << '\n';
 }
 
+// The first word may say what is listed.
+void TakeKind(Options &options) {
+    if (options.words.empty()) return;
+    const std::string first = options.words.front();
+    if (first != "families" && first != "names" && first != "files") return;
+    options.what = first;
+    options.words.erase(options.words.begin());
+}
+
+void AddWords(Options &options, const std::string &subject, const std::vector<std::string> &texts) {
+    for (const std::string &text : texts) options.words.push_back(subject + text);
+}
+
 int List(const Options &options) {
     const FontSet fonts(options.in);
     const bool is_everything = options.words.empty() && options.where.empty();
     const auto items =
         is_everything ? ListAll(options.what, fonts.Scope()) : ListFonts(options, fonts.Scope());
     Show(items, options, fonts);
-    if (!items.empty()) return fonts.Refusals().empty() ? kDone : kNothingFound;
+    if (!items.empty()) return fonts.Found();
     if (!options.json) std::cerr << "vellum: no font fits\n";
     return fonts.NotFound();
 }
@@ -136,21 +151,17 @@ int List(const Options &options) {
 void AddList(CLI::App &app, int &result) {
     auto options = std::make_shared<Options>();
     CLI::App *verb = app.add_subcommand("list", "List which fonts there are.");
-    verb->add_option("WHAT", options->what, "families, names (PostScript) or files")
-        ->check(CLI::IsMember({"families", "names", "files"}))
-        ->capture_default_str();
-    verb->add_option("REQUEST", options->words, "only fonts that fit: family=Inter, bold, lang=ja, char=é");
-    const auto add_word = [options](const char *subject) {
-        return [options, subject](const std::string &text) {
-            options->words.push_back(subject + ('=' + text));
-        };
-    };
-    verb->add_option_function<std::string>("--lang", add_word("lang"),
-                                           "only fonts for a language, as lang=L")
-        ->type_name("L");
-    verb->add_option_function<std::string>("--char", add_word("char"),
-                                           "only fonts with a character, as char=C")
-        ->type_name("C");
+    verb->add_option(
+            "WHAT", options->words,
+            "families, names (PostScript) or files; families when it is left out. Then a request:\n"
+            "only fonts that fit, such as family=Inter, bold, lang=ja, char=é")
+        ->type_name("[REQUEST]");
+    verb->add_option("--lang", options->languages, "only fonts for a language, as lang=L")
+        ->type_name("L")
+        ->allow_extra_args(false);
+    verb->add_option("--char", options->characters, "only fonts with a character, as char=C")
+        ->type_name("C")
+        ->allow_extra_args(false);
     verb->add_option("--where", options->where,
                      "only fonts of which vellum inspect --property KEY shows VALUE, or has it in a list")
         ->type_name("KEY=VALUE")
@@ -167,7 +178,12 @@ void AddList(CLI::App &app, int &result) {
         "Example:\n"
         "  vellum list families --lang ja\n"
         "  vellum list files --where format=opentype-postscript bold\n");
-    verb->callback([options, &result] { result = List(*options); });
+    verb->callback([options, &result] {
+        TakeKind(*options);
+        AddWords(*options, "lang=", options->languages);
+        AddWords(*options, "char=", options->characters);
+        result = List(*options);
+    });
 }
 
 } // namespace vellum::tool

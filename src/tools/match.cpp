@@ -132,6 +132,8 @@ void ShowDocument(const Options &options, const Match &match, const std::vector<
 
 int RunMatch(const Options &options) {
     const auto wishes = ReadWishes(options.words);
+    if (options.why_not && options.why_not->empty())
+        throw CLI::ValidationError("--why-not", "a font's name or path is wanted");
     const FontSet fonts(options.in);
     Match match = Find(wishes, fonts.Scope());
     if (!match.IsFound() && options.substitute) match = FindSubstitute(wishes, fonts.Scope());
@@ -141,7 +143,7 @@ int RunMatch(const Options &options) {
         ShowDocument(options, match, found, fonts);
     else
         ShowText(options, match, found, fonts.Scope());
-    return match.IsFound() ? kDone : fonts.NotFound();
+    return match.IsFound() ? fonts.Found() : fonts.NotFound();
 }
 
 } // namespace
@@ -165,7 +167,8 @@ void AddMatch(CLI::App &app, int &result) {
         RequestHelp() +
         "\nA font that does not fit is never shown in the place of one that does, unless --substitute\n"
         "asks for it.\n\n"
-        "Exit codes: 0 a font is shown; 1 no font fits; 2 wrong usage; 4 what --in names may not be read;\n"
+        "Exit codes: 0 a font is shown; 1 no font fits, or some files of --in were refused; 2 wrong usage; "
+        "4 what --in names may not be read;\n"
         "5 it is no font.\n\n"
         "Example:\n"
         "  vellum match family='DejaVu Sans' bold --explain\n"

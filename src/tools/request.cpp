@@ -65,7 +65,7 @@ Ref<const void> ReadNumber(const std::string &term, const std::string &text,
     const bool is_number =
         error == std::errc() && end == text.data() + text.size() && std::isfinite(number);
     const auto named = Named(text, names);
-    if (!is_number && !named)
+    if (!named && !(is_number && std::abs(number) <= 1))
         Refuse(term,
                "a number from -1 to 1 is wanted" + (names.empty() ? "" : ", or one of: " + NamesOf(names)));
     return Adopt(ValNumberCreateFloat64(named.value_or(number)));
@@ -86,8 +86,8 @@ Ref<const void> ReadText(const std::string &, const std::string &text) {
 Ref<const void> ReadFile(const std::string &, const std::string &path) {
     return FileURL(path);
 }
-Ref<const void> ReadOneCharacter(const std::string &term, const std::string &text) {
-    const uint32_t character = ReadCharacter(term, text);
+Ref<const void> ReadOneCharacter(const std::string &, const std::string &text) {
+    const uint32_t character = ReadCharacter("REQUEST", text);
     return Adopt(ValCharacterSetCreateWithRange(character, character));
 }
 Ref<const void> ReadCharacters(const std::string &, const std::string &text) {
@@ -222,7 +222,8 @@ std::string RequestHelp() {
     return help;
 }
 
-std::u32string Decode(const std::string &text) {
+std::u32string Decode(const std::string &argument, const std::string &text) {
+    if (!MakeText(text)) throw CLI::ValidationError(argument, "this is no UTF-8 text");
     const std::unique_ptr<hb_buffer_t, decltype(&hb_buffer_destroy)> buffer(hb_buffer_create(),
                                                                             hb_buffer_destroy);
     hb_buffer_add_utf8(buffer.get(), text.data(), static_cast<int>(text.size()), 0, -1);
@@ -236,21 +237,21 @@ std::u32string Decode(const std::string &text) {
 
 Ref<const ValCharacterSet> CharactersOf(const std::string &text) {
     auto set = Adopt(ValCharacterSetCreateMutable());
-    for (const char32_t character : Decode(text))
+    for (const char32_t character : Decode("REQUEST", text))
         if (!ValCharacterSetAddRange(set.Get(), character, character)) throw std::bad_alloc();
     return set;
 }
 
-uint32_t ReadCharacter(const std::string &option, const std::string &text) {
-    if (const auto characters = Decode(text); characters.size() == 1) return characters.front();
+uint32_t ReadCharacter(const std::string &argument, const std::string &text) {
+    if (const auto characters = Decode(argument, text); characters.size() == 1) return characters.front();
     uint32_t number = 0;
     const bool is_marked = text.starts_with("U+") || text.starts_with("u+");
     const char *end = text.data() + text.size();
     const auto [stopped, error] = std::from_chars(is_marked ? text.data() + 2 : end, end, number, 16);
     const bool is_scalar = number <= 0x10FFFF && (number < 0xD800 || number > 0xDFFF);
     if (!is_marked || error != std::errc() || stopped != end || !is_scalar)
-        throw CLI::ValidationError(option, "'" + Printable(text) +
-                                               "' is no character; one is written as itself, or as U+00E9");
+        throw CLI::ValidationError(
+            argument, "'" + Printable(text) + "' is no character; one is written as itself, or as U+00E9");
     return number;
 }
 

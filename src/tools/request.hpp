@@ -30,9 +30,10 @@ std::string RequestHelp();
 
 // The characters of a text; and one character as people write it: itself, or U+00E9.
 Ref<const ValCharacterSet> CharactersOf(const std::string &text);
-uint32_t ReadCharacter(const std::string &option, const std::string &text);
+uint32_t ReadCharacter(const std::string &argument, const std::string &text);
 
-// The characters (Unicode scalar values) of UTF-8; what is none of it is U+FFFD.
-std::u32string Decode(const std::string &text);
+// The characters (Unicode scalar values) of UTF-8. Throws CLI::ValidationError, which names the argument,
+// for what is none of it.
+std::u32string Decode(const std::string &argument, const std::string &text);
 
 } // namespace vellum::tool

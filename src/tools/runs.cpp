@@ -30,7 +30,8 @@ struct Options {
 // A part of the text, and what draws it.
 struct Run {
     std::u32string characters;
-    Ref<const ValURL> font; // null: nothing
+    Ref<const ValURL> font;  // null: nothing
+    bool is_visible = false; // there is something to draw in it
 };
 
 hb_unicode_general_category_t CategoryOf(char32_t character) {
@@ -73,8 +74,11 @@ public:
         const bool joins =
             !runs_.empty() && (IsInvisible(character) || (FollowsText(character) && LastHas(character)));
         auto font = joins ? runs_.back().font : IsInvisible(character) ? preferred_ : FontFor(character);
+        // What can't be seen belongs to whatever comes first that can.
+        if (!runs_.empty() && !runs_.back().is_visible) runs_.back().font = font;
         if (runs_.empty() || !ValEqual(runs_.back().font.Get(), font.Get())) runs_.push_back({{}, font});
         runs_.back().characters += character;
+        if (!IsInvisible(character)) runs_.back().is_visible = true;
     }
 
     const std::vector<Run> &Runs() const { return runs_; }
@@ -132,8 +136,10 @@ void ShowText(const std::vector<Run> &runs, VLScope scope) {
         std::cout << Printable(TextOf(run)) << '\n';
         if (run.font)
             std::cout << "    " << ToLine(Describe(run.font.Get(), scope)) << '\n';
-        else
+        else if (run.is_visible)
             std::cout << "    no font draws " << CodePointsOf(run) << '\n';
+        else
+            std::cout << "    nothing to draw\n";
     }
 }
 
@@ -165,14 +171,14 @@ int RunText(const Options &options) {
     Ref<const ValURL> preferred;
     if (options.font && !(preferred = FindPreferred(*options.font, fonts.Scope()))) return fonts.NotFound();
     RunMaker maker(std::move(preferred), fonts.Scope());
-    for (const char32_t character : Decode(options.text)) maker.Add(character);
+    for (const char32_t character : Decode("STRING", options.text)) maker.Add(character);
     if (options.json)
         ShowDocument(maker.Runs(), fonts);
     else
         ShowText(maker.Runs(), fonts.Scope());
     for (const Run &run : maker.Runs())
-        if (!run.font) return fonts.NotFound();
-    return kDone;
+        if (!run.font && run.is_visible) return fonts.NotFound();
+    return fonts.Found();
 }
 
 } // namespace

@@ -17,13 +17,23 @@ namespace {
 
 constexpr int kMaximumDepth = 32;
 constexpr size_t kMaximumRanges = 32;
+constexpr size_t kMaximumLength = size_t{16} << 20;
+constexpr size_t kMaximumString = 4096;
+
+// The text's beginning, when it is long; cut between two characters.
+std::string_view Shortened(std::string_view text) {
+    if (text.size() <= kMaximumString) return text;
+    size_t end = kMaximumString;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+}
 
 class JsonWriter {
 public:
     std::string Take() { return std::move(text_); }
 
     void Write(const void *value) {
-        if (depth_ == kMaximumDepth) return Append("null");
+        if (depth_ == kMaximumDepth || text_.size() > kMaximumLength) return Append("null");
         ++depth_;
         WriteByKind(value);
         --depth_;
@@ -81,9 +91,10 @@ private:
     void WriteString(const ValString *string) {
         if (!string) return Append("null");
         const TValStr text(Retain(string));
-        if (ValStringGetUTF8(string, nullptr)) return WriteText(text.View());
+        const std::string_view shown = Shortened(text.View());
+        if (ValStringGetUTF8(string, nullptr)) return WriteText(shown);
         std::string ascii;
-        for (const char c : text.View()) ascii += static_cast<unsigned char>(c) < 0x80 ? c : '?';
+        for (const char c : shown) ascii += static_cast<unsigned char>(c) < 0x80 ? c : '?';
         WriteText(ascii);
     }
 
@@ -108,6 +119,7 @@ private:
         text_ += '[';
         bool first = true;
         for (const void *item : items) {
+            if (text_.size() > kMaximumLength) break;
             if (!std::exchange(first, false)) text_ += ',';
             Write(item);
         }

@@ -9,8 +9,8 @@
 
 namespace vellum {
 
-// On one line. Null for null, for numbers that are not finite, and for what is nested deeper than any value
-// of ours.
+// On one line. Null for null, for numbers that are not finite, for what is nested deeper than any value of
+// ours, and for what stands behind 16 MiB of text. Strings of more than 4 KiB are cut.
 std::string ToJson(const void *value);
 
 } // namespace vellum

@@ -44,7 +44,7 @@ PLANTED = [
     ("src/values/text.hpp", "#include <glib/gstdio.h>", "<glib/gstdio.h>"),
     ("src/describe/entity.hpp", "#include <hb.h>", "<hb.h>"),
     ("src/describe/entity.hpp", "#include <hb-ot.h>", "<hb-ot.h>"),
-    ("src/tools/main.cpp", "#include <hb.h>", "<hb.h>"),
+    ("src/tools/main.cpp", "#include <ft2build.h>", "<ft2build.h>"),
     ("src/store/index.cpp", "#include <ft2build.h>", "<ft2build.h>"),
     ("src/store/index.cpp", "#include FT_FREETYPE_H", "macro FT_FREETYPE_H"),
     ("src/store/index.cpp", "#include <expat.h>", "<expat.h>"),

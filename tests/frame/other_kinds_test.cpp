@@ -135,5 +135,44 @@ TEST_F(OtherKinds, ValuesOfOtherKindsInARequestFindNothing) {
     }
 }
 
+// ---- containers that are not the library's own ----
+
+// Called while a register is locked, this could never end.
+uint64_t AskAgain(const void *) {
+    ADD_FAILURE() << "a caller's callback was called";
+    return 0;
+}
+
+TEST_F(OtherKinds, ContainersWithCallbacksOfTheCallerAnswerNothing) {
+    Add("a.ttf", MakeFont({"A"}));
+    const ValCallbacks own = {ValRetain, ValRelease, ValEqual, ValHash, ValCopyDescription};
+    const auto request = Adopt(ValDictionaryCreateMutable(0, &own, nullptr));
+    ValDictionarySetValue(request.Get(), kVLFontPropertyFamilyName, String("A").Get());
+    EXPECT_FALSE(Adopt(VLCopyFontWithProperties(request.Get(), kVLScopeProcess, kNoActivation)));
+    EXPECT_FALSE(Adopt(VLCopyFontsWithProperties(request.Get(), kVLScopeProcess, kNoActivation)));
+    const auto raw = Adopt(ValDictionaryCreateMutable(0, &kValRawCallbacks, &kValRawCallbacks));
+    EXPECT_FALSE(Adopt(VLCopyFontsWithProperties(raw.Get(), kVLScopeProcess, kNoActivation)));
+}
+
+TEST_F(OtherKinds, CallbacksOfTheCallerInsideARequestAreNotCalled) {
+    Add("a.ttf", MakeFont({"A"}));
+    const auto traits = Adopt(ValDictionaryCreateMutable(0, &kValValueCallbacks, nullptr));
+    ValDictionarySetValue(traits.Get(), kVLFontTraitSymbolic, kValBooleanTrue);
+    EXPECT_EQ(Find({{kVLFontPropertyTraits, traits}}, kVLScopeProcess), "(null)");
+    const ValCallbacks asking = {ValRetain, ValRelease, ValEqual, AskAgain, ValCopyDescription};
+    const auto languages = Adopt(ValSetCreateMutable(0, &asking));
+    EXPECT_EQ(Find({{kVLFontPropertySupportedLanguages, languages}}, kVLScopeProcess), "(null)");
+}
+
+TEST_F(OtherKinds, ARequestThatSharesItsPartsWithoutEndAnswersNothing) {
+    auto shared = Adopt(ValArrayCreateMutable(0, nullptr));
+    for (int i = 0; i < 15; ++i) {
+        auto outer = Adopt(ValArrayCreateMutable(100, nullptr));
+        for (int j = 0; j < 100; ++j) ValArrayAppend(outer.Get(), shared.Get());
+        shared = std::move(outer);
+    }
+    EXPECT_EQ(Find({{kVLFontPropertySupportedLanguages, shared}}, kVLScopeProcess), "(null)");
+}
+
 } // namespace
 } // namespace vellum::test

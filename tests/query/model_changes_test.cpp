@@ -9,7 +9,7 @@
 namespace vellum::test {
 namespace {
 
-constexpr size_t kSteps = 50;
+constexpr size_t kSteps = 60;
 constexpr size_t kQuestionsAfterAStep = 20;
 
 // Changes both sides alike, and then puts questions to both.

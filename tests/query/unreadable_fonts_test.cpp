@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Questions that are asked while no file can be opened: what can't be answered then is not forgotten for good.
+// Questions that are asked while no file can be opened: what can't be answered then is not forgotten for
+// good.
 #include "frame/handles/local_glyphary.hpp"
 #include "query/query_fixture.hpp"
 
@@ -72,6 +73,15 @@ TEST_F(UnreadableFonts, DrawACharacterWhenTheyCanBeReadAgain) {
     {
         const NoDescriptors none;
         static_cast<void>(Drawing('A'));
+    }
+    EXPECT_EQ(Drawing('A'), "A-Regular");
+}
+
+TEST_F(UnreadableFonts, DrawACharacterLaterThoughTheirOrderWasKnownBefore) {
+    EXPECT_THAT(All(), ElementsAre("A-Regular", "B-Regular"));
+    {
+        const NoDescriptors none;
+        EXPECT_FALSE(Adopt(VLCopyFontForCharacter('A', kVLScopeProcess, 0)));
     }
     EXPECT_EQ(Drawing('A'), "A-Regular");
 }

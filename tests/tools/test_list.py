@@ -71,6 +71,17 @@ class Some(ListCase):
         self.assertEqual(self.lines("--char", "U+0061"), ["Latin"])
         self.assertEqual(self.lines("--char", "U+10FFFD", status=PROBLEMS), [])
 
+    def test_fit_a_request_without_saying_what_is_listed(self):
+        self.font("a.ttf", "Alpha")
+        self.font("b.ttf", "Beta", "Bold")
+        self.assertEqual(self.lines("style=Bold"), ["Beta"])
+
+    def test_are_for_all_characters_that_are_named(self):
+        self.covering("Latin", range(0x61, 0x7B))
+        self.covering("Both", (*range(0x61, 0x7B), *range(0x3B1, 0x3CA)))
+        self.assertEqual(self.lines("names", "--char", "a", "--char", "U+03B1"), ["Both-Regular"])
+        self.assertEqual(self.lines("--lang", "en", "--char", "U+03B1"), ["Both"])
+
     def test_are_for_a_language(self):
         self.covering("Latin", range(0x61, 0x7B))
         self.covering("Greek", range(0x3B1, 0x3CA))

@@ -78,15 +78,17 @@ class Requests(MatchCase):
         self.assertEqual(self.names("char=U+0061"), ["One-Regular", "Two-Regular"])
 
     def test_that_make_no_sense_are_wrong_usage(self):
-        for word in ("weight=heavy", "weight=", "weight=nan", "slant=inf", "colour=red", "char=ab", "=x"):
+        for word in ("weight=heavy", "weight=5", "weight=", "weight=nan", "slant=inf", "colour=red", "char=ab", "=x"):
             with self.subTest(word):
                 done = self.run_tool("match", word)
                 self.assertEqual((done.returncode, done.stdout), (USAGE, b""))
                 self.assertIn(word.split("=")[1].encode(), done.stderr)
 
     def test_that_are_no_text_are_wrong_usage(self):
-        done = self.run_tool("match", b"family=\xff")
-        self.assertEqual((done.returncode, done.stdout), (USAGE, b""))
+        for word in (b"family=\xff", b"char=\xff", b"text=a\xff", b"\xff"):
+            with self.subTest(word):
+                done = self.run_tool("match", word)
+                self.assertEqual((done.returncode, done.stdout), (USAGE, b""))
 
     def test_are_needed(self):
         self.assertEqual(self.run_tool("match").returncode, USAGE)
@@ -139,7 +141,7 @@ class WhyNot(MatchCase):
     def test_of_what_is_dropped_is_what_it_lacks(self):
         made_fonts.make_font(made_fonts.english("One"), characters=(0x61,)).save(self.folder / "1.ttf")
         for word, reason in (("bold", "it is not bold"), ("weight=bold", "its weight is 0, not 0.4"),
-                             ("char=\u00e9", "it has no U+e9"), ("lang=ja", 'it does not support "ja"'),
+                             ("char=\u00e9", "it has no U+E9"), ("lang=ja", 'it does not support "ja"'),
                              ("copyright=x", "it has no copyright notice")):
             with self.subTest(word):
                 self.assertEqual(self.reason("One", word, status=PROBLEMS), reason)

@@ -3,7 +3,7 @@
 # `vellum text` as a user meets it: which font draws which part of a text; exit codes.
 import unittest
 
-from vellum_tool import BAD_FONT, DONE, PROBLEMS, ToolCase
+from vellum_tool import BAD_FONT, DONE, PROBLEMS, USAGE, ToolCase
 
 import made_fonts
 
@@ -52,8 +52,13 @@ class Runs(TextCase):
     def test_of_no_text_are_none(self):
         self.assertEqual(self.runs(""), [])
 
-    def test_show_what_is_no_utf8_as_a_character_that_stands_for_it(self):
-        self.assertEqual(self.runs(b"a\xff", status=PROBLEMS), [("a", "Latin"), ("\ufffd", None)])
+    def test_of_what_is_no_text_are_wrong_usage(self):
+        done = self.run_tool("text", b"a\xff", "--in", str(self.folder))
+        self.assertEqual((done.returncode, done.stdout), (USAGE, b""))
+
+    def test_begin_with_what_can_not_be_seen(self):
+        self.assertEqual(self.runs("\ufeff\u03b1"), [("\ufeff\u03b1", "Romaic")])
+        self.assertEqual(self.runs("\n"), [("\n", None)])
 
 
 class ThePreferredFont(TextCase):

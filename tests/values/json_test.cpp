@@ -71,5 +71,26 @@ TEST(Json, EndsAtADepthThatNoValueOfOursHas) {
     EXPECT_EQ(ToJson(nested.Get()), std::string(32, '[') + "null" + std::string(32, ']'));
 }
 
+TEST(Json, CutsLongStringsBetweenCharacters) {
+    EXPECT_EQ(ToJson(String("a" + std::string(5000, 'b')).Get()).size(), 4096U + 2);
+    std::string accents = "a";
+    for (int i = 0; i < 3000; ++i) accents += "\u00e9";
+    EXPECT_EQ(ToJson(String(accents).Get()).size(), 4095U + 2);
+}
+
+TEST(Json, OfWhatIsSharedManyTimesOverEnds) {
+    auto shared = Adopt(ValArrayCreateMutable(0, nullptr));
+    for (int i = 0; i < 30; ++i) {
+        auto outer = Adopt(ValArrayCreateMutable(2, nullptr));
+        ValArrayAppend(outer.Get(), shared.Get());
+        ValArrayAppend(outer.Get(), shared.Get());
+        shared = std::move(outer);
+    }
+    const std::string json = ToJson(shared.Get());
+    EXPECT_GT(json.size(), size_t{16} << 20);
+    EXPECT_LT(json.size(), size_t{17} << 20);
+    EXPECT_TRUE(json.ends_with("]"));
+}
+
 } // namespace
 } // namespace vellum::test

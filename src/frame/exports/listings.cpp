@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Exported: listings over both registers, each item once.
 #include "describe/font_entity.hpp"
+#include "frame/exports/arguments.hpp"
 #include "frame/exports/ask.hpp"
 #include "frame/exports/guard.hpp"
 #include "frame/exports/listing_memory.hpp"
@@ -129,7 +130,7 @@ const ValArray *VLCopyAvailableFontURLs(VLScope scope) noexcept {
 
 const ValArray *VLCopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
                                              uint32_t reserved) noexcept {
-    if (!Cast<ValString>(language)) return nullptr;
+    if (!IsArgument<ValString>(language)) return nullptr;
     return GuardCopy([&] {
         return ListBoth(
             scope,

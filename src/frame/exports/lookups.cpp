@@ -2,6 +2,7 @@
 // Exported: finding fonts, in the registers and beyond.
 #include "autoactivation/auto_activation_manager.hpp"
 #include "describe/basic_font_entity.hpp"
+#include "frame/exports/arguments.hpp"
 #include "frame/exports/ask.hpp"
 #include "frame/exports/guard_lookup.hpp"
 #include "frame/exports/merge_answers.hpp"
@@ -80,7 +81,7 @@ Ref<const ValArray> FindFonts(const ValDictionary *request, VLScope scope, VLAct
 
 const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
                                  VLActivationOptions activation) noexcept {
-    if (!Cast<ValString>(name)) return nullptr;
+    if (!IsArgument<ValString>(name)) return nullptr;
     return GuardLookup("fontWithName", name, scope, [&]() -> Ref<const ValURL> {
         if (AsksProcess(scope)) {
             auto own = AskProcess([&](const TGlypharyProtocol &registry) {
@@ -100,7 +101,7 @@ const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
 
 const ValURL *VLCopyFontWithProperties(const ValDictionary *request, VLScope scope,
                                        VLActivationOptions activation) noexcept {
-    if (!Cast<ValDictionary>(request)) return nullptr;
+    if (!IsArgument<ValDictionary>(request)) return nullptr;
     return GuardLookup("fontWithProperties", request, scope, [&]() -> Ref<const ValURL> {
         auto found = AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyFontForRequest(request, scope);
@@ -112,7 +113,7 @@ const ValURL *VLCopyFontWithProperties(const ValDictionary *request, VLScope sco
 
 const ValArray *VLCopyFontsWithProperties(const ValDictionary *request, VLScope scope,
                                           VLActivationOptions activation) noexcept {
-    if (!Cast<ValDictionary>(request)) return nullptr;
+    if (!IsArgument<ValDictionary>(request)) return nullptr;
     return GuardLookup("fontsWithProperties", request, scope,
                        [&] { return FindFonts(request, scope, activation); });
 }

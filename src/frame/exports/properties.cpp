@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Exported: copies of font properties.
+#include "frame/exports/arguments.hpp"
 #include "frame/exports/ask.hpp"
 #include "frame/exports/guard.hpp"
 #include "values/val_array.hpp"
@@ -50,7 +51,7 @@ Ref<const ValSet> SummaryProperties() {
 
 const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *keys,
                                              VLScope scope) noexcept {
-    if (!Cast<ValURL>(font) || !Cast<ValSet>(keys)) return nullptr;
+    if (!IsArgument<ValURL>(font) || !IsArgument<ValSet>(keys)) return nullptr;
     return GuardCopy([&] {
         return AskProcessThenShared(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertiesForFont(font, keys, scope);
@@ -60,7 +61,7 @@ const ValDictionary *VLCopyPropertiesForFont(const ValURL *font, const ValSet *k
 
 const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSet *keys,
                                               VLScope scope) noexcept {
-    if (!Cast<ValArray>(fonts) || !Cast<ValSet>(keys)) return nullptr;
+    if (!IsArgument<ValArray>(fonts) || !IsArgument<ValSet>(keys)) return nullptr;
     return GuardCopy([&] {
         return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertiesForFonts(fonts, keys, scope);
@@ -70,7 +71,7 @@ const ValDictionary *VLCopyPropertiesForFonts(const ValArray *fonts, const ValSe
 
 const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValString *key,
                                             VLScope scope) noexcept {
-    if (!Cast<ValArray>(fonts) || !Cast<ValString>(key)) return nullptr;
+    if (!IsArgument<ValArray>(fonts) || !IsArgument<ValString>(key)) return nullptr;
     return GuardCopy([&] {
         return AskBothForEachFont(scope, [&](const TGlypharyProtocol &registry) {
             return registry.CopyPropertyForFonts(fonts, key, scope);
@@ -79,7 +80,7 @@ const ValDictionary *VLCopyPropertyForFonts(const ValArray *fonts, const ValStri
 }
 
 const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) noexcept {
-    if (!Cast<ValSet>(keys)) return nullptr;
+    if (!IsArgument<ValSet>(keys)) return nullptr;
     return GuardCopy([&]() -> Ref<const ValArray> {
         TValMutableArray all;
         if (AsksProcess(scope))
@@ -107,7 +108,7 @@ const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query, VLScop
 }
 
 VLScope VLGetScopeForFont(const ValURL *font) noexcept {
-    if (!Cast<ValURL>(font)) return 0;
+    if (!IsArgument<ValURL>(font)) return 0;
     return Guard(
         [&] { return TLocalGlyphary().GetFontScope(font) | TGlobalGlyphary().GetFontScope(font); });
 }

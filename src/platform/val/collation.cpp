@@ -2,8 +2,6 @@
 // Collation by the user's locale, through the C library.
 #include "platform/val/collation.hpp"
 
-#include "platform/val/text_buffer.hpp"
-
 #include <langinfo.h>
 #include <locale.h>
 #include <string.h>
@@ -45,16 +43,26 @@ std::string_view TakePiece(std::string_view &text) noexcept {
     return piece;
 }
 
-int CollatePiece(std::string_view a, std::string_view b, locale_t locale) noexcept {
-    TextBuffer left;
-    TextBuffer right;
-    left.Append(a);
-    right.Append(b);
-    const char *first = left.CString();
-    const char *second = right.CString();
-    if (!first || !second) return CompareBytes(a, b);
-    int order = strcoll_l(first, second, locale);
-    return (order > 0) - (order < 0);
+// Appends the transformed form of a text without U+0000, and the byte 0, which no such form holds.
+void AppendTransformed(std::string &key, std::string_view piece, locale_t locale) {
+    const std::string text(piece);
+    const size_t start = key.size();
+    key.resize(start + 4 * text.size() + 16);
+    for (size_t length;
+         start + (length = strxfrm_l(&key[start], text.c_str(), key.size() - start, locale)) >= key.size();)
+        key.resize(start + length + 1);
+    key.resize(start + std::char_traits<char>::length(&key[start]));
+    key += '\0';
+}
+
+// By the transformed forms, as sort keys are: the C library's own comparison differs from them for some
+// texts with combining marks.
+int CollatePiece(std::string_view a, std::string_view b, locale_t locale) {
+    if (a == b) return 0;
+    std::string left, right;
+    AppendTransformed(left, a, locale);
+    AppendTransformed(right, b, locale);
+    return CompareBytes(left, right);
 }
 
 } // namespace
@@ -62,27 +70,21 @@ int CollatePiece(std::string_view a, std::string_view b, locale_t locale) noexce
 int Collate(std::string_view a, std::string_view b) noexcept {
     locale_t locale = CollationLocale();
     if (!locale) return CompareBytes(a, b);
-    while (!a.empty() && !b.empty()) {
-        std::string_view piece = TakePiece(a);
-        if (int order = CollatePiece(piece, TakePiece(b), locale)) return order;
+    try {
+        while (!a.empty() && !b.empty()) {
+            std::string_view piece = TakePiece(a);
+            if (int order = CollatePiece(piece, TakePiece(b), locale)) return order;
+        }
+    } catch (...) { // memory is exhausted
+        return CompareBytes(a, b);
     }
     return static_cast<int>(b.empty()) - static_cast<int>(a.empty());
 }
 
-// No transformed text holds the byte 0, so that one ends it.
 void AppendCollationKey(std::string &key, std::string_view text) {
-    const std::string piece(TakePiece(text));
-    const size_t start = key.size();
-    if (locale_t locale = CollationLocale()) {
-        key.resize(start + 4 * piece.size() + 16);
-        for (size_t length;
-             start + (length = strxfrm_l(&key[start], piece.c_str(), key.size() - start, locale)) >=
-             key.size();)
-            key.resize(start + length + 1);
-        key.resize(start + std::char_traits<char>::length(&key[start]));
-    } else {
-        key += piece;
-    }
+    const std::string_view piece = TakePiece(text);
+    if (locale_t locale = CollationLocale()) return AppendTransformed(key, piece, locale);
+    key += piece;
     key += '\0';
 }
 

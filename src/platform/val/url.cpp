@@ -133,8 +133,8 @@ const ValString *ValURLCopyDecodedFragment(const ValURL *url) noexcept {
     if (!url) return nullptr;
     auto fragment = Parts(*url).fragment;
     if (!fragment) return nullptr;
-    auto decoded = Unescape(*fragment);
-    return decoded ? decoded.Release() : ValURLCopyFragment(url);
+    const bool holds_zero = fragment->find("%00") != std::string_view::npos;
+    return holds_zero ? ValURLCopyFragment(url) : Unescape(*fragment).Release();
 }
 
 const ValURL *ValURLCopyWithFragment(const ValURL *url, const ValString *fragment) noexcept {
