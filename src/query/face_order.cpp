@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 namespace vellum {
@@ -32,7 +31,7 @@ bool IsOrderedBy(std::span<const FaceOrder::Face> faces, double TraitKey::*value
     for (const FaceOrder::Face &face : faces) values.push_back(face.key.traits.*value);
     if (std::ranges::any_of(values, [](double number) { return std::isnan(number); })) return false;
     std::ranges::sort(values);
-    values.erase(std::ranges::unique(values).begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
     const auto are_near = [](double a, double b) { return !DifferInTrait(a, b); };
     if (std::ranges::adjacent_find(values, are_near) != values.end()) return false;
     const auto magnitude = [](double number) { return std::abs(static_cast<float>(number)); };
@@ -99,8 +98,8 @@ void FaceOrder::DropRemoved() {
 std::vector<FontReference> FaceOrder::TakeAdded() {
     std::unordered_set<FontReference> seen;
     std::vector<FontReference> present;
-    for (const FontReference reference : std::views::reverse(added_))
-        if (fonts_.Find(reference) && seen.insert(reference).second) present.push_back(reference);
+    for (auto next = added_.rbegin(); next != added_.rend(); ++next)
+        if (fonts_.Find(*next) && seen.insert(*next).second) present.push_back(*next);
     std::ranges::reverse(present);
     added_.clear();
     return present;
