@@ -4,25 +4,24 @@
 #include "frame/handles/local_glyphary.hpp"
 #include "query/query_fixture.hpp"
 
-#include <sys/resource.h>
+#include <filesystem>
+#include <string>
 
 namespace vellum::test {
 namespace {
 
 using ::testing::ElementsAre;
 
-// No file can be opened while it lives.
-class NoDescriptors {
+// A folder is somewhere else while it lives.
+class Away {
 public:
-    NoDescriptors() {
-        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &former_), 0);
-        const rlimit none{0, former_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    explicit Away(const FontFolder &folder) : here_(folder.Path()), there_(here_ + "-away") {
+        std::filesystem::rename(here_, there_);
     }
-    ~NoDescriptors() { ::setrlimit(RLIMIT_NOFILE, &former_); }
+    ~Away() { std::filesystem::rename(there_, here_); }
 
 private:
-    rlimit former_{};
+    const std::string here_, there_;
 };
 
 class UnreadableFonts : public ::testing::Test {
@@ -54,7 +53,7 @@ protected:
 
 TEST_F(UnreadableFonts, AreFoundByNameWhenTheyCanBeReadAgain) {
     {
-        const NoDescriptors none;
+        const Away away(folder);
         static_cast<void>(Named("A-Regular"));
     }
     EXPECT_EQ(Named("A-Regular"), "A-Regular");
@@ -63,7 +62,7 @@ TEST_F(UnreadableFonts, AreFoundByNameWhenTheyCanBeReadAgain) {
 
 TEST_F(UnreadableFonts, StandInOrderWhenTheyCanBeReadAgain) {
     {
-        const NoDescriptors none;
+        const Away away(folder);
         static_cast<void>(All());
     }
     EXPECT_THAT(All(), ElementsAre("A-Regular", "B-Regular"));
@@ -71,7 +70,7 @@ TEST_F(UnreadableFonts, StandInOrderWhenTheyCanBeReadAgain) {
 
 TEST_F(UnreadableFonts, DrawACharacterWhenTheyCanBeReadAgain) {
     {
-        const NoDescriptors none;
+        const Away away(folder);
         static_cast<void>(Drawing('A'));
     }
     EXPECT_EQ(Drawing('A'), "A-Regular");
@@ -80,7 +79,7 @@ TEST_F(UnreadableFonts, DrawACharacterWhenTheyCanBeReadAgain) {
 TEST_F(UnreadableFonts, DrawACharacterLaterThoughTheirOrderWasKnownBefore) {
     EXPECT_THAT(All(), ElementsAre("A-Regular", "B-Regular"));
     {
-        const NoDescriptors none;
+        const Away away(folder);
         EXPECT_FALSE(Adopt(VLCopyFontForCharacter('A', kVLScopeProcess, 0)));
     }
     EXPECT_EQ(Drawing('A'), "A-Regular");
@@ -88,7 +87,7 @@ TEST_F(UnreadableFonts, DrawACharacterLaterThoughTheirOrderWasKnownBefore) {
 
 TEST_F(UnreadableFonts, AreListedWhenTheyCanBeReadAgain) {
     {
-        const NoDescriptors none;
+        const Away away(folder);
         static_cast<void>(Families());
     }
     EXPECT_THAT(Families(), ElementsAre("A", "B"));
