@@ -9,7 +9,7 @@ namespace {
 
 constexpr size_t kRequestsOfASeed = 1000;
 
-// Tests of one suite share a world that none of them changes. The seed is the parameter.
+// Tests of one suite share a world that none of them changes. A parameter seeds the generator.
 template <class World>
 class ModelRequestsTest : public ::testing::TestWithParam<int> {
 protected:
