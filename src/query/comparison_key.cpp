@@ -15,8 +15,6 @@ namespace {
 
 constexpr double kSmallestDifference = 0.0001;
 
-// Bits 0 to 27 say what a face is like, bits 28 to 31 are its class of design.
-constexpr uint32_t kStyleBits = 0x0FFFFFFF;
 constexpr unsigned kClassShift = 28;
 
 template <class T>

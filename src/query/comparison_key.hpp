@@ -11,6 +11,9 @@
 
 namespace vellum {
 
+// Bits 0 to 27 of symbolic traits say what a face is like, bits 28 to 31 are its class of design.
+constexpr uint32_t kStyleBits = 0x0FFFFFFF;
+
 // A face's traits as numbers.
 struct TraitKey {
     bool is_present = false; // whether the face has traits at all

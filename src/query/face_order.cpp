@@ -15,11 +15,6 @@ namespace vellum {
 
 namespace {
 
-// Families of fonts that are gone are dropped when there are this many more of them than fonts.
-constexpr size_t kSpareFamilies = 256;
-
-constexpr uint32_t kStyleBits = 0x0FFFFFFF;
-
 // Whether comparing by one value puts faces in an order: no two values are within the tolerance without
 // being equal, and no two that differ have one magnitude.
 bool IsOrderedBy(std::span<const FaceOrder::Face> faces, double TraitKey::*value) {
@@ -70,7 +65,6 @@ void FaceOrder::StartAnew() {
     removed_.clear();
     added_.clear();
     fonts_.ForEach([&](FontReference reference, const GxFont *) { added_.push_back(reference); });
-    is_spoilt_ = false;
 }
 
 // Faces whose order was doubtful may be in order once one of them is gone: they are placed anew, with those
@@ -84,7 +78,7 @@ void FaceOrder::DropRemoved() {
         return is_gone || !face.is_sound;
     });
     removed_.clear();
-    if (families_.Count() > faces_.size() + added_.size() + kSpareFamilies) return StartAnew();
+    if (families_.Count() > faces_.size() + added_.size() + FamilyRanks::kSpareFamilies) return StartAnew();
     if (doubtful.empty()) return;
     std::vector<FontReference> again;
     fonts_.ForEach([&](FontReference reference, const GxFont *) {
@@ -105,16 +99,20 @@ std::vector<FontReference> FaceOrder::TakeAdded() {
     return present;
 }
 
-std::span<const FaceOrder::Face> FaceOrder::Faces() {
-    if (is_spoilt_) StartAnew();
-    if (added_.empty() && removed_.empty()) return faces_;
+void FaceOrder::Update() {
+    const bool is_retry = pace_.TakeTurn();
+    if (is_retry) StartAnew();
+    if (!is_retry && added_.empty() && removed_.empty()) return;
     ForgetCharacters();
     const uint32_t failures = tPassingFailures;
     DropRemoved();
     Insert(MakeFaces(TakeAdded()));
     MarkSoundness();
-    is_spoilt_ = failures != tPassingFailures;
-    return faces_;
+    const bool failed = failures != tPassingFailures;
+    if (is_retry)
+        pace_.MadeAgain(failed);
+    else if (failed)
+        pace_.Failed();
 }
 
 std::vector<FaceOrder::Face> FaceOrder::MakeFaces(const std::vector<FontReference> &references) {
@@ -194,7 +192,8 @@ const CharacterPages::Coverage *FaceOrder::CoverageAt(size_t index) {
 }
 
 const FaceOrder::Face *FaceOrder::FindCharacter(uint32_t character) {
-    Faces();
+    const bool is_retry = coverage_pace_.TakeTurn();
+    if (is_retry) ForgetCharacters();
     const uint32_t failures = tPassingFailures;
     size_t place = CharacterPages::kNone;
     try {
@@ -203,7 +202,11 @@ const FaceOrder::Face *FaceOrder::FindCharacter(uint32_t character) {
         ForgetCharacters();
         throw;
     }
-    if (failures != tPassingFailures) ForgetCharacters(); // one could not be read for the moment
+    const bool failed = failures != tPassingFailures; // a coverage could not be read, and was passed over
+    if (is_retry)
+        coverage_pace_.MadeAgain(failed);
+    else if (failed)
+        coverage_pace_.Failed();
     return place == CharacterPages::kNone ? nullptr : &faces_[place];
 }
 

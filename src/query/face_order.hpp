@@ -9,6 +9,7 @@
 #pragma once
 
 #include "platform/font/gx_font.hpp"
+#include "platform/process/retry_pace.hpp"
 #include "query/character_pages.hpp"
 #include "query/comparison_key.hpp"
 #include "query/family_ranks.hpp"
@@ -37,8 +38,12 @@ public:
     void FaceAdded(FontReference reference) override;
     void FaceRemoved(FontReference reference) override;
 
-    // Every face of the table, in order; valid until the table changes.
-    std::span<const Face> Faces();
+    // Brings it up to date with the table. Comes before what follows, which is valid until the table
+    // changes. When it throws, the order may be in any state.
+    void Update();
+
+    // Every face of the table, in order.
+    std::span<const Face> Faces() const noexcept { return faces_; }
 
     // The first face that has a character, and may be chosen for one; null for none.
     const Face *FindCharacter(uint32_t character);
@@ -60,13 +65,14 @@ private:
     std::vector<Face> faces_;
     std::vector<FontReference> added_;          // since the last update; some may be gone again
     std::unordered_set<FontReference> removed_; // since the last update; some may be back
-    bool is_spoilt_ = false;                    // something could not be read for the moment
+    RetryPace pace_;                            // for faces that could not be read
     FamilyRanks families_;
 
     // The coverages of the faces from the front, each once, as far as a question needed them.
     std::vector<CharacterPages::Coverage> coverages_;
     std::unordered_set<const ValCharacterSet *> seen_coverages_;
     size_t covered_ = 0; // faces that have been looked at for it
+    RetryPace coverage_pace_;
     CharacterPages pages_;
 };
 

@@ -27,6 +27,9 @@ public:
     // order; the families live as long as this. Names are told apart by identity first.
     std::vector<const Family *> FindOrAdd(const std::vector<const ValString *> &names);
 
+    // Names stay when their fonts are gone: who has this many more of them than fonts clears.
+    static constexpr size_t kSpareFamilies = 256;
+
     size_t Count() const noexcept { return families_.size(); }
     void Clear() noexcept;
 

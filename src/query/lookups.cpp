@@ -18,14 +18,6 @@ Ref<const ValDictionary> RequestForCharacter(uint32_t character) {
     return request.Publish();
 }
 
-std::vector<FontReference> ReferencesIn(const ValSet *fonts) {
-    std::vector<FontReference> references;
-    size_t cursor = 0;
-    for (const void *member; ValSetNext(fonts, &cursor, &member);)
-        references.push_back(AsReference(member));
-    return references;
-}
-
 } // namespace
 
 // Other names stand in for a PostScript name. Subfamily names do not, by design: "Bold" names no font.

@@ -26,12 +26,6 @@ TValMutableDict CopyOf(const ValDictionary *request) {
     return copy;
 }
 
-std::vector<FontReference> ReferencesIn(const TValMutableSet &candidates) {
-    std::vector<FontReference> references;
-    for (const void *member : candidates) references.push_back(AsReference(member));
-    return references;
-}
-
 // Whether a face fits every key; tells which one it does not fit.
 bool Fits(const TFontEntity &font, const ValDictionary *request) {
     size_t cursor = 0;
@@ -91,7 +85,7 @@ FaceOrder &TLocalGlypharyImp::Order() const {
     if (!order_) order_ = std::make_unique<FaceOrder>(enabled_);
     auto &order = static_cast<FaceOrder &>(*order_);
     try {
-        order.Faces();
+        order.Update();
     } catch (...) { // memory is exhausted: it may be in any state
         order_.reset();
         throw;
@@ -164,7 +158,7 @@ std::vector<FontReference> TLocalGlypharyImp::FindFonts(const ValDictionary *req
     bool is_indexed = false;
     if (!SearchIndexedFontsForRequest(rest, candidates, is_indexed))
         return is_indexed ? std::vector<FontReference>() : ScanFonts(request, wanted);
-    auto fonts = KeepMatching(ReferencesIn(candidates), rest.Get());
+    auto fonts = KeepMatching(ReferencesIn(candidates.Get()), rest.Get());
     const TFontEntityComparisonContext context(request);
     PutInOrder(fonts, &context);
     return fonts;

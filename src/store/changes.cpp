@@ -23,12 +23,7 @@ bool FitsFragment(const GxFont *font, const ValString *fragment) {
 } // namespace
 
 std::vector<FontReference> TLocalGlypharyImp::ReferencesForURL(uint16_t index, const ValURL *url) const {
-    std::vector<FontReference> references;
-    const auto set = GetIndex(index)->CopyFontsForKey(url);
-    size_t cursor = 0;
-    for (const void *member; ValSetNext(set.Get(), &cursor, &member);)
-        references.push_back(AsReference(member));
-    return references;
+    return ReferencesIn(GetIndex(index)->CopyFontsForKey(url).Get());
 }
 
 bool TLocalGlypharyImp::DisableFont(const ValURL *url, VLScope) const {

@@ -92,4 +92,12 @@ void TFontIndex::RemoveFontForAllKeys(FontReference font) {
         for (const auto &key : KeysOf(*table)) TFontIndex::RemoveFontForKey(font, key.Get());
 }
 
+std::vector<FontReference> ReferencesIn(const ValSet *fonts) {
+    std::vector<FontReference> references;
+    size_t cursor = 0;
+    for (const void *member; ValSetNext(fonts, &cursor, &member);)
+        references.push_back(AsReference(member));
+    return references;
+}
+
 } // namespace vellum

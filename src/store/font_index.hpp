@@ -14,6 +14,7 @@
 #include <vellum/vellum.h>
 
 #include <optional>
+#include <vector>
 
 namespace vellum {
 
@@ -60,5 +61,8 @@ private:
     std::optional<TValMutableDict> direct_; // key to FontReference, a plain integer
     std::optional<TValMutableDict> sets_;   // key to mutable ValSet of FontReference
 };
+
+// The references in a set, in its order; none in null.
+std::vector<FontReference> ReferencesIn(const ValSet *fonts);
 
 } // namespace vellum

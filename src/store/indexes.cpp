@@ -59,12 +59,13 @@ uint16_t TLocalGlypharyImp::GetIndexCount(uint16_t &first_id) const {
 
 TFontIndex *TLocalGlypharyImp::GetIndex(uint16_t id) const {
     auto &slot = indexes_[id];
-    if (!slot || spoilt_indexes_[id]) {
+    RetryPace &pace = index_paces_[id];
+    if (!slot || pace.TakeTurn()) {
         const uint32_t failures = tPassingFailures;
         auto index = MakeIndex(id);
         AddAllFontsToIndex(*index);
         slot = std::move(index);
-        spoilt_indexes_[id] = IsOfNames(id) && failures != tPassingFailures;
+        pace.MadeAgain(IsOfNames(id) && failures != tPassingFailures);
     }
     return slot.get();
 }
@@ -117,7 +118,7 @@ void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *
         } catch (...) {
             indexes_[id].reset();
         }
-        if (IsOfNames(id) && failures != tPassingFailures) spoilt_indexes_[id] = true;
+        if (IsOfNames(id) && failures != tPassingFailures) index_paces_[id].Failed();
     }
     try {
         if (order_) order_->FaceAdded(reference);
@@ -134,7 +135,7 @@ void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxF
         } catch (...) {
             indexes_[id].reset();
         }
-        if (IsOfNames(id) && failures != tPassingFailures) spoilt_indexes_[id] = true;
+        if (IsOfNames(id) && failures != tPassingFailures) index_paces_[id].Failed();
     }
     try {
         if (order_) order_->FaceRemoved(reference);

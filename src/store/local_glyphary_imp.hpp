@@ -7,6 +7,7 @@
 #pragma once
 
 #include "frame/registry/glyphary_imp.hpp"
+#include "platform/process/retry_pace.hpp"
 #include "store/font_index.hpp"
 #include "store/font_table.hpp"
 #include "store/table_follower.hpp"
@@ -173,7 +174,7 @@ private:
     mutable TValMutableDict data_fonts_;        // ValData to GxFont, which enabled_ holds
     mutable TValMutableDict legacy_containers_; // FontReference to container id; fonts in memory only
     mutable std::array<std::unique_ptr<TFontIndex>, kIndexCount> indexes_;
-    mutable std::array<bool, kIndexCount> spoilt_indexes_{}; // some font could not be read for the moment
+    mutable std::array<RetryPace, kIndexCount> index_paces_; // for fonts that could not be read
     mutable std::unique_ptr<TTableFollower> order_;          // a FaceOrder of enabled_
 };
 

@@ -2,14 +2,18 @@
 // Questions that are asked while no file can be opened: what can't be answered then is not forgotten for
 // good.
 #include "frame/handles/local_glyphary.hpp"
+#include "platform/process/passing_failures.hpp"
 #include "query/query_fixture.hpp"
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
 namespace vellum::test {
 namespace {
 
+using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 
 // A folder is somewhere else while it lives.
@@ -91,6 +95,45 @@ TEST_F(UnreadableFonts, AreListedWhenTheyCanBeReadAgain) {
         static_cast<void>(Families());
     }
     EXPECT_THAT(Families(), ElementsAre("A", "B"));
+}
+
+// Each failing attempt is later than the one before: so the questions are asked until the answer comes.
+TEST_F(UnreadableFonts, AreFoundAfterManyQuestionsInVain) {
+    {
+        const Away away(folder);
+        for (int i = 0; i < 50; ++i) {
+            static_cast<void>(Named("A-Regular"));
+            static_cast<void>(All());
+            static_cast<void>(Drawing('A'));
+            static_cast<void>(Families());
+        }
+    }
+    const auto deadline = std::chrono::steady_clock::now() + 30s;
+    const auto all_is_answered = [] {
+        return Named("A-Regular") == "A-Regular" && All().front() == "A-Regular" &&
+               Drawing('A') == "A-Regular" && Families().front() == "A";
+    };
+    while (!all_is_answered()) ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+    EXPECT_THAT(All(), ElementsAre("A-Regular", "B-Regular"));
+    EXPECT_THAT(Families(), ElementsAre("A", "B"));
+}
+
+// Each font that can't be read counts one failure at least each time it is tried.
+TEST_F(UnreadableFonts, AreNotTriedAgainWithEveryQuestion) {
+    constexpr uint32_t kFonts = 50, kQuestions = 500;
+    FontFolder more;
+    for (uint32_t i = 0; i < kFonts; ++i) {
+        const std::string name = "C" + std::to_string(i);
+        ASSERT_TRUE(VLRegisterFont(more.Add(name + ".ttf", MakeFont({name})).Get(), 0, kVLScopeProcess));
+    }
+    const Away away(more);
+    const uint32_t before = tPassingFailures;
+    for (uint32_t i = 0; i < kQuestions; ++i) {
+        static_cast<void>(Named("Absent"));
+        static_cast<void>(Drawing(0xE000));
+    }
+    EXPECT_GT(tPassingFailures - before, kFonts);
+    EXPECT_LT(tPassingFailures - before, kQuestions * kFonts / 2);
 }
 
 } // namespace

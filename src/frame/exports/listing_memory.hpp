@@ -5,6 +5,7 @@
 
 #include "frame/registry/generation_seed.hpp"
 #include "platform/process/passing_failures.hpp"
+#include "platform/process/retry_pace.hpp"
 #include "values/val_array.hpp"
 
 #include <vellum/vellum.h>
@@ -28,8 +29,8 @@ public:
         if (auto kept = Find(place, generation)) return kept;
         const uint32_t failures = tPassingFailures;
         auto fresh = make();
-        const bool is_whole = failures == tPassingFailures;
-        if (is_whole && TGenerationSeed::GetGeneration() == generation) Keep(place, generation, fresh);
+        const bool failed = failures != tPassingFailures; // what could not be read is missing
+        if (TGenerationSeed::GetGeneration() == generation) Keep(place, generation, failed, fresh);
         return fresh;
     }
 
@@ -37,10 +38,11 @@ private:
     struct Listing {
         uint32_t generation = 0;
         Ref<const ValArray> items; // null: not made yet, or there is none
+        RetryPace pace = {};
     };
 
     Ref<const ValArray> Find(size_t place, uint32_t generation) noexcept;
-    void Keep(size_t place, uint32_t generation, Ref<const ValArray> items) noexcept;
+    void Keep(size_t place, uint32_t generation, bool failed, Ref<const ValArray> items) noexcept;
 
     std::mutex mutex_; // guards what follows
     std::array<Listing, kVLScopeAll + 1> listings_;

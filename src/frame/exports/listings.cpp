@@ -62,7 +62,7 @@ public:
         std::vector<const ValString *> names;
         for (const void *item : items) names.push_back(Cast<ValString>(item));
         const std::lock_guard lock(mutex_);
-        if (ranks_.Count() > 2 * items.size() + kSpareFamilies) ranks_.Clear();
+        if (ranks_.Count() > 2 * items.size() + FamilyRanks::kSpareFamilies) ranks_.Clear();
         try {
             SortByRank(names, items);
         } catch (...) { // memory is exhausted: the ranks may be in any state
@@ -72,8 +72,6 @@ public:
     }
 
 private:
-    static constexpr size_t kSpareFamilies = 256;
-
     void SortByRank(const std::vector<const ValString *> &names, Items &items) {
         const auto families = ranks_.FindOrAdd(names);
         std::vector<size_t> places(items.size());
