@@ -353,6 +353,17 @@ VL_EXPORT const ValString *const *VLGetCommonFontNames(size_t *count) VL_NOEXCEP
 
 /* ---- hearing of changes ---------------------------------------------------------------------- */
 
+/* What a change of the available fonts is called inside a process, and between processes. */
+VL_EXPORT extern const ValString *const kVLFontsChangedNotification;
+VL_EXPORT extern const ValString *const kVLFontsChangedDistributedNotification;
+
+/*
+ * The user info of a notification has one of these keys, with an array of ValStrings: the URLs of the faces
+ * that became available or went away, as texts.
+ */
+VL_EXPORT extern const ValString *const kAvailableFontURLsAddedKey;
+VL_EXPORT extern const ValString *const kAvailableFontURLsRemovedKey;
+
 /*
  * Called on the main run loop with a change of the available fonts, before the process's own
  * notification goes out: centre, observer and object are null, the name is
@@ -364,6 +375,29 @@ typedef void (*VLFontsChangedCallback)(void *center, void *observer, const ValSt
 /* Installs the callback, once: a second one is ignored, and so is any when `options` is not 0. */
 VL_EXPORT void VLSetFrameworkFontChangedCallback(uint32_t options,
                                                  VLFontsChangedCallback callback) VL_NOEXCEPT;
+
+/*
+ * Observers of the process's own notification: called on the main run loop after the framework's
+ * callback, in the order in which they were added, with the centre, which is not to be looked into,
+ * and with the observer as it was added. `observer` names the callback and is not looked into; it may
+ * be null, and one name may be added more than once. False when memory is exhausted or the callback
+ * is null.
+ *
+ * After its removal an observer is not called any more; a call that another thread has begun may
+ * still be running.
+ */
+VL_EXPORT bool VLAddFontsChangedObserver(void *observer, VLFontsChangedCallback callback) VL_NOEXCEPT;
+VL_EXPORT void VLRemoveFontsChangedObserver(void *observer) VL_NOEXCEPT;
+
+/*
+ * The main run loop is GLib's default context: a program that runs it, as GTK and Qt do on Linux, hears
+ * of changes without more ado. A program with a loop of its own waits until the descriptor is readable
+ * and then calls VLDeliverNotifications, always on the same thread; what is posted meanwhile makes the
+ * descriptor readable again. The descriptor belongs to the library and stays the same; -1 when there is
+ * none to be had. A program that does neither never hears of a change.
+ */
+VL_EXPORT int VLGetNotificationDescriptor(void) VL_NOEXCEPT;
+VL_EXPORT void VLDeliverNotifications(void) VL_NOEXCEPT;
 
 /* ---- fonts on demand ------------------------------------------------------------------------- */
 

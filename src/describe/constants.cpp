@@ -60,7 +60,12 @@
     CONSTANT(kVLFontURLParameterFamilyName, "family-name") \
     CONSTANT(kVLFontURLParameterFullName, "full-name") \
     CONSTANT(kVLFontURLParameterSubfamilyName, "subfamily-name") \
-    CONSTANT(kVLFontURLParameterVariationPrefix, "var:")
+    CONSTANT(kVLFontURLParameterVariationPrefix, "var:") \
+    \
+    CONSTANT(kVLFontsChangedNotification, "LDFontManagerFontChangedNotification") \
+    CONSTANT(kVLFontsChangedDistributedNotification, "com_orrery_Laydown_FontManagerChangedNotification") \
+    CONSTANT(kAvailableFontURLsAddedKey, "LDFontManagerAvailableFontURLsAdded") \
+    CONSTANT(kAvailableFontURLsRemovedKey, "LDFontManagerAvailableFontURLsRemoved")
 // clang-format on
 
 // Each is one exported constant over one string that the compiler makes.

@@ -2,6 +2,7 @@
 // Fonts in memory. The table from buffer to font holds no reference of its own to the font: the
 // table of enabled fonts does, and whatever takes a font out of it must call ForgetDataFont.
 #include "describe/gx_font_wrapper.hpp"
+#include "store/legacy_bridge.hpp"
 #include "store/local_glyphary_imp.hpp"
 
 namespace vellum {
@@ -58,15 +59,27 @@ const GxFont *TLocalGlypharyImp::GetDataFont(const ValData *data, uint32_t *lega
     return found;
 }
 
-// A legacy font id leads to a font in memory only through the legacy font service, which says in
-// which container the font lies; without that service it leads nowhere.
-Ref<const ValURL> TLocalGlypharyImp::CopyURLForDataFont(const ValData *data, uint32_t) const {
-    const GxFont *found = FindDataFont(data);
-    return found ? TGxFont(Retain(found)).CopyURL() : nullptr;
+// A legacy font id leads to a font in memory through the legacy font service, which says in which container
+// the font lies; without that service it leads nowhere.
+Ref<const ValURL> TLocalGlypharyImp::CopyURLForDataFont(const ValData *data, uint32_t legacy_font) const {
+    if (data) {
+        const GxFont *found = FindDataFont(data);
+        auto url = found ? TGxFont(Retain(found)).CopyURL() : nullptr;
+        if (url) return url;
+    }
+    const uint32_t container = FindFountContainer(legacy_font);
+    if (container == 0) return nullptr;
+    for (const auto &[reference, held] : legacy_containers_) {
+        if (AsReference(held) != container) continue;
+        const GxFont *font = enabled_.Find(AsReference(reference));
+        return font ? TGxFont(Retain(font)).CopyURL() : nullptr;
+    }
+    return nullptr;
 }
 
-uint32_t TLocalGlypharyImp::GetDataFontFountFont(const ValURL *) const {
-    return 0;
+uint32_t TLocalGlypharyImp::GetDataFontFountFont(const ValURL *url) const {
+    const FontReference first = GetFontReference(url);
+    return FindFountFont(AsReference(ValDictionaryGetValue(legacy_containers_.Get(), AsItem(first))));
 }
 
 void TLocalGlypharyImp::ForgetDataFont(FontReference reference, const GxFont *font) const noexcept {

@@ -122,6 +122,11 @@ public:
         const TFontEntityComparisonContext *context_;
     };
 
+    // Copies a font file to stable storage; true, and the URL of the copy in `copy`, even when copying
+    // failed: no file lies there then. False, and null, when there is no such storage or the source has no
+    // path.
+    bool MoveFileToStableStorage(const ValURL *source, Ref<const ValURL> &copy) const;
+
     // ---- the table ----
     // The face (borrowed), enabled or disabled; null for a reference that was never given or is gone.
     const GxFont *GetPossiblyDisabledFont(FontReference reference) const noexcept;
@@ -136,6 +141,7 @@ private:
     FontReference TakeNextReference() const;
     void AddFace(FontReference reference, const GxFont *font) const;
     void RemoveFace(FontReference reference) const noexcept;
+    bool IsInUse(const ValURL *url) const;
     const GxFont *FindDataFont(const ValData *data) const noexcept;
     void ForgetDataFont(FontReference reference, const GxFont *font) const noexcept;
     void NoteChange() const noexcept; // of what is registered, complete by now

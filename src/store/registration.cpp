@@ -5,7 +5,10 @@
 #include "frame/registry/generation_seed.hpp"
 #include "platform/font/type_identifier.hpp"
 #include "store/change_each.hpp"
+#include "store/legacy_bridge.hpp"
 #include "store/local_glyphary_imp.hpp"
+
+#include <utility>
 
 namespace vellum {
 
@@ -40,12 +43,19 @@ void TLocalGlypharyImp::RemoveFace(FontReference reference) const noexcept {
 }
 
 bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, VLFontFlags flags,
-                                     VLScope) const {
+                                     VLScope scope) const {
     if (!ReferencesForURL(kPathIndex, url).empty()) return false;
     // Files that hold nothing but the outlines of a suitcase's fonts are reached through it.
     if (ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font")) return false;
-    if (WantsStableCopy(url, flags)) return false; // there is no stable storage yet
-    const auto fonts = CreateFontsFromURL(WholeFile(url).Get());
+    auto file = WholeFile(url);
+    if (WantsStableCopy(url, flags)) {
+        Ref<const ValURL> copy;
+        if (!MoveFileToStableStorage(file.Get(), copy)) return false;
+        if (!ReferencesForURL(kPathIndex, copy.Get()).empty()) return false;
+        file = std::move(copy);
+    }
+    DoRegisterURLWithFount(file.Get(), true, flags, scope);
+    const auto fonts = CreateFontsFromURL(file.Get());
     const size_t count = ValArrayGetCount(fonts.Get());
     if (count == 0) return false;
 

@@ -111,73 +111,8 @@ TEST_F(Exports, RegisteringGoesToExactlyOneRegister) {
     const ValArray *errors = nullptr;
     EXPECT_FALSE(VLRegisterFonts(Array({url}).Get(), 0, kVLScopeProcess | kVLScopeUser, &errors));
     EXPECT_FALSE(errors);
-    EXPECT_FALSE(TLocalGlyphary::IsCreated());
+    EXPECT_FALSE(TLocalGlyphary().IsFontRegistered(url.Get()));
     EXPECT_TRUE(TGlobalGlyphary::IsCreated());
-}
-
-TEST_F(Exports, AScopeWithoutAnyRegisterFailsWithEveryURL) {
-    const ValArray *errors = nullptr;
-    EXPECT_FALSE(VLRegisterFonts(Array({url, SystemURL()}).Get(), 0, kVLScopeSilent, &errors));
-    EXPECT_EQ(Texts(Adopt(errors)).size(), 2u);
-    EXPECT_FALSE(VLUnregisterFonts(Array({url}).Get(), 0, 0, &errors));
-    EXPECT_EQ(Texts(Adopt(errors)).size(), 1u);
-    EXPECT_FALSE(TLocalGlyphary::IsCreated());
-}
-
-TEST_F(Exports, TwoFacesOfOneFileAreOnePathTwice) {
-    const auto file = folder.Add("ab.ttc", MakeCollection({{"A"}, {"B"}}));
-    const auto a = Adopt(ValURLCopyWithFragment(file.Get(), String("postscript-name=A-Regular").Get()));
-    const auto b = Adopt(ValURLCopyWithFragment(file.Get(), String("postscript-name=B-Regular").Get()));
-    const ValArray *errors = nullptr;
-    EXPECT_FALSE(VLRegisterFonts(Array({a, b}).Get(), 0, kVLScopeProcess, &errors));
-    EXPECT_THAT(Texts(Adopt(errors)), ElementsAre(TextOf(ValURLGetString(file.Get()))));
-    EXPECT_THAT(FontNames(kVLScopeProcess), ElementsAre("A-Regular", "B-Regular"));
-}
-
-TEST_F(Exports, URLsWithoutAPathAreDroppedWithoutNotice) {
-    const ValArray *errors = nullptr;
-    EXPECT_TRUE(
-        VLRegisterFonts(Array({MakeURL("http://example.org/a.ttf")}).Get(), 0, kVLScopeProcess, &errors));
-    EXPECT_FALSE(errors);
-    EXPECT_TRUE(VLRegisterFonts(Array({MakeURL("file://inMemory_0x1#postscript-name=A")}).Get(), 0,
-                                kVLScopeProcess, &errors));
-    EXPECT_FALSE(errors);
-}
-
-TEST_F(Exports, UnregisteringTakesAFontOutAgain) {
-    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
-    EXPECT_TRUE(VLUnregisterFont(url.Get(), 0, kVLScopeProcess));
-    EXPECT_EQ(VLGetScopeForFont(url.Get()), 0u);
-    EXPECT_TRUE(VLUnregisterFont(url.Get(), 0, kVLScopeProcess));
-}
-
-TEST_F(Exports, AFileThatChangedIsReadAnewWhenItIsRegisteredAgain) {
-    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
-    ASSERT_TRUE(VLUnregisterFont(url.Get(), 0, kVLScopeProcess));
-    folder.Add("foo.ttf", NamedFace{"Changed"});
-    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
-    EXPECT_EQ(NameOf(url, kVLScopeProcess), "Changed-Regular");
-}
-
-TEST_F(Exports, DisablingHidesFontsInTheRegistersThatTheScopeNames) {
-    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
-    VLDisableFonts(Array({url, SystemURL()}).Get(), 0, kVLScopeProcess);
-    EXPECT_EQ(NameOf(url, kVLScopeAll), "(null)");
-    EXPECT_EQ(NameOf(SystemURL(), kVLScopeAll), "System-Regular");
-    VLDisableFonts(Array({SystemURL()}).Get(), 0, kVLScopeUser);
-    EXPECT_EQ(NameOf(SystemURL(), kVLScopeAll), "(null)");
-    VLEnableFonts(Array({url, SystemURL()}).Get(), 0, kVLScopeAll);
-    EXPECT_EQ(NameOf(url, kVLScopeAll), "Foo-Regular");
-    EXPECT_EQ(NameOf(SystemURL(), kVLScopeAll), "System-Regular");
-}
-
-TEST_F(Exports, TheSingleFormsOfEnableAndDisableAreInTheTable) {
-    const VLFunctions *functions = VLGetFunctions();
-    ASSERT_TRUE(functions->register_font(url.Get(), 0, kVLScopeProcess));
-    functions->disable_font(url.Get(), 0, kVLScopeProcess);
-    EXPECT_EQ(NameOf(url, kVLScopeProcess), "(null)");
-    functions->enable_font(url.Get(), 0, kVLScopeProcess);
-    EXPECT_EQ(NameOf(url, kVLScopeProcess), "Foo-Regular");
 }
 
 TEST_F(Exports, TheTableHasTheTwelveFunctionsInTheirOrder) {
@@ -196,16 +131,6 @@ TEST_F(Exports, TheTableHasTheTwelveFunctionsInTheirOrder) {
     EXPECT_EQ(at(9), reinterpret_cast<uintptr_t>(&VLUnregisterFontDirectory));
     EXPECT_EQ(at(10), reinterpret_cast<uintptr_t>(&VLGetDirectoryFlags));
     EXPECT_EQ(at(11), reinterpret_cast<uintptr_t>(&VLGetFontFlagsForDirFlags));
-}
-
-TEST_F(Exports, DirectoriesReachTheSharedRegisterForTheUserScopeAlone) {
-    for (const VLScope scope : {0u, 1u, 3u, 4u, 6u, 7u}) {
-        EXPECT_FALSE(VLRegisterFontDirectory(FileURL(folder.Path()).Get(), 0, 0, scope)) << scope;
-        EXPECT_FALSE(VLUnregisterFontDirectory(FileURL(folder.Path()).Get(), 0, scope)) << scope;
-    }
-    EXPECT_FALSE(TGlobalGlyphary::IsCreated());
-    VLRegisterFontDirectory(FileURL(folder.Path()).Get(), 0, 0, kVLScopeUser);
-    EXPECT_TRUE(TGlobalGlyphary::IsCreated());
 }
 
 // ---- fonts in memory ----

@@ -161,15 +161,6 @@ TEST_F(Register, AFileOnTheRootVolumeNeedsNoCopyInStableStorage) {
     EXPECT_TRUE(registry.IsFontRegistered(url.Get()));
 }
 
-TEST_F(Register, AFileElsewhereThatCanNotBeCopiedIsNotRegisteredWhereItLies) {
-    ::setenv("TMPDIR", "/dev/shm", 1);
-    const FontFolder elsewhere;
-    const auto url = elsewhere.Add("a.ttf", NamedFace{"A"});
-    ASSERT_FALSE(VLGetDirectoryFlags(url.Get()) & kVLFontFlagRootVolume);
-    EXPECT_FALSE(RegisterFile(url, kVLFontFlagCopyToStable));
-    EXPECT_TRUE(RegisterFile(url));
-}
-
 TEST_F(Register, AnArrayItemThatIsNoURLIsAnError) {
     const auto text = String("/a.ttf");
     const void *const item = text.Get();

@@ -3,20 +3,31 @@
 #include "frame/exports/guard.hpp"
 #include "frame/handles/local_glyphary.hpp"
 #include "frame/registry/scope.hpp"
+#include "store/legacy_bridge.hpp"
 
 using namespace vellum;
 
+// A buffer that the register refuses is taken back from the legacy service, if it was told here.
 bool VLRegisterDataFont(const ValData *data, uint32_t legacyContainer, VLFontFlags flags,
                         VLScope scope) noexcept {
     if (!data || !AsksProcess(scope)) return false;
-    return Guard([&] {
-        return TLocalGlyphary().RegisterDataFont(data, legacyContainer, flags, scope & kScopeDataFonts);
-    });
+    const uint32_t told = legacyContainer == 0 ? DoRegisterDataWithFount(data, 0, flags, scope) : 0;
+    const uint32_t container = legacyContainer == 0 ? told : legacyContainer;
+    const bool registered = Guard(
+        [&] { return TLocalGlyphary().RegisterDataFont(data, container, flags, scope & kScopeDataFonts); });
+    VLScope withdrawal = kVLScopeProcess;
+    if (!registered && told != 0) DoRegisterDataWithFount(data, told, flags, withdrawal);
+    return registered;
 }
 
 bool VLUnregisterDataFont(const ValData *data, uint32_t, VLScope scope) noexcept {
     if (!data) return false;
-    return Guard([&] { return TLocalGlyphary().UnregisterDataFont(data, scope & kScopeDataFonts); });
+    return Guard([&] {
+        uint32_t container = 0;
+        const bool is_registered = TLocalGlyphary().GetDataFont(data, &container);
+        if (is_registered && container != 0) DoRegisterDataWithFount(data, container, 0, scope);
+        return TLocalGlyphary().UnregisterDataFont(data, scope & kScopeDataFonts);
+    });
 }
 
 const ValURL *VLCopyFontURLForDataFont(const ValData *data, uint32_t legacyFont) noexcept {

@@ -3,6 +3,7 @@
 // no client for it, a register in this process with the system's fonts stands in for it.
 #include "frame/handles/global_glyphary.hpp"
 
+#include "ipc/notify/change_notifications.hpp"
 #include "platform/process/process.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "store/system_fonts.hpp"
@@ -26,6 +27,10 @@ void CreateRegistry() noexcept {
     try {
         auto registry = std::make_unique<TLocalGlypharyImp>();
         RegisterSystemFontsLocally(*registry);
+        if (TGlobalGlyphary::IsServerIgnored())
+            KeepSharedChangesInProcess();
+        else
+            ObserveSharedChanges();
         sRegistry.store(registry.release(), std::memory_order_release);
     } catch (...) { // memory is exhausted: this process stays without a shared register
     }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "frame/handles/local_glyphary.hpp"
 
+#include "store/bundle_fonts.hpp"
+
 #include <pthread.h>
 
 #include <atomic>
+#include <memory>
 #include <new>
 
 namespace vellum {
@@ -16,7 +19,9 @@ pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 // Runs once in a process; nothing may be thrown out of it, and nothing is ever torn down.
 void CreateRegistry() noexcept {
     try {
-        sRegistry.store(new TLocalGlypharyImp, std::memory_order_release);
+        auto registry = std::make_unique<TLocalGlypharyImp>();
+        RegisterBundleFonts(*registry);
+        sRegistry.store(registry.release(), std::memory_order_release);
     } catch (...) { // memory is exhausted: this process stays without a register
     }
 }

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "ipc/notify/change_notifications.hpp"
+
+#include "frame/registry/generation_seed.hpp"
+#include "frame/registry/scope.hpp"
+#include "ipc/notify/framework_callback.hpp"
+#include "ipc/notify/pending_notifications.hpp"
+#include "platform/loop/main_loop.hpp"
+#include "platform/notify/notification_center.hpp"
+#include "store/legacy_bridge.hpp"
+#include "values/val_array.hpp"
+#include "values/val_dictionary.hpp"
+
+#include <atomic>
+
+namespace vellum {
+
+namespace {
+
+constinit std::atomic<bool> sKeepsSharedChanges{false};
+
+// Made by the first use and never torn down.
+PendingNotifications &Pending() {
+    static PendingNotifications *const pending = new PendingNotifications;
+    return *pending;
+}
+
+void AsynchronousLocalNotificationTimerCallBack(void *) noexcept {
+    try {
+        if (const auto user_info = Pending().Take())
+            DistributedFontChangedCallback(nullptr, nullptr, nullptr, nullptr, user_info.Get());
+    } catch (...) { // memory is exhausted: it is delivered with the next one
+    }
+}
+
+// Has the main loop deliver a change at its next pass.
+void DeliverLater(const ValDictionary *user_info) {
+    for (size_t timers = Pending().Add(Retain(user_info)); timers > 0; --timers) {
+        try {
+            AddMainLoopTimer(AsynchronousLocalNotificationTimerCallBack, nullptr);
+        } catch (...) {
+            Pending().CancelCalls(timers);
+            throw;
+        }
+    }
+}
+
+// The texts are the URLs' own: what was relative stays so.
+Ref<const ValArray> Texts(const ValArray *urls) {
+    TValMutableArray texts;
+    for (const void *item : Elements(urls))
+        if (const auto *text = ValURLGetString(Cast<ValURL>(item))) texts.Append(text);
+    return texts.Publish();
+}
+
+} // namespace
+
+void PostNotification(VLScope scope, const ValString *key, const ValArray *fonts) {
+    TValMutableDict user_info;
+    user_info.Set(key, Texts(fonts).Get());
+    PostNotification(scope, user_info.Publish().Get());
+}
+
+void PostNotification(VLScope scope, const ValDictionary *user_info) {
+    if (AsksShared(scope) && !sKeepsSharedChanges.load(std::memory_order_acquire))
+        NotificationCenter::Distributed().Post(kVLFontsChangedDistributedNotification, user_info);
+    else
+        DeliverLater(user_info);
+    DoNotifyFount();
+}
+
+void KeepSharedChangesInProcess() noexcept {
+    sKeepsSharedChanges.store(true, std::memory_order_release);
+}
+
+void ObserveSharedChanges() {
+    NotificationCenter::Distributed().AddObserver(&sKeepsSharedChanges, FontsChangedCallback,
+                                                  kVLFontsChangedDistributedNotification);
+}
+
+void FontsChangedCallback(void *, void *, const ValString *, const void *,
+                          const ValDictionary *user_info) noexcept {
+    TGenerationSeed::UpdateGeneration();
+    try {
+        DeliverLater(user_info);
+    } catch (...) { // memory is exhausted: who asks finds the new fonts all the same
+    }
+}
+
+void DistributedFontChangedCallback(void *, void *, const ValString *, const void *,
+                                    const ValDictionary *user_info) noexcept {
+    if (const auto callback = FrameworkNotificationCallback())
+        callback(nullptr, nullptr, kVLFontsChangedNotification, nullptr, user_info);
+    try {
+        NotificationCenter::Local().Post(kVLFontsChangedNotification, user_info);
+    } catch (...) { // memory is exhausted
+    }
+}
+
+} // namespace vellum

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+// Notification centres: who wants to hear of something adds an observer, who has something to tell posts.
+#pragma once
+
+#include <vellum/values.hpp>
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+namespace vellum {
+
+// Called with the centre, the observer as it was added, the name and what there is to tell. May call the
+// centre. `object`, the sender, is always null: nobody tells senders apart.
+using NotificationCallback = void (*)(void *center, void *observer, const ValString *name,
+                                      const void *object, const ValDictionary *user_info);
+
+class NotificationCenter {
+public:
+    NotificationCenter() noexcept = default;
+    NotificationCenter(const NotificationCenter &) = delete;
+    NotificationCenter &operator=(const NotificationCenter &) = delete;
+
+    // The centre of this process, and the one of all processes of the user. Until those are joined by a
+    // hub, what is posted to the second comes back to this process alone.
+    static NotificationCenter &Local();
+    static NotificationCenter &Distributed();
+
+    // Has `callback` called with each notification of that name, on the thread that posts it. `observer`
+    // is what names it, and is not looked into. Throws std::bad_alloc.
+    void AddObserver(void *observer, NotificationCallback callback, const ValString *name);
+
+    // Removes all that was added under that name. None of it is called afterwards, but what another
+    // thread has begun to call may still be running.
+    void RemoveObserver(void *observer) noexcept;
+
+    // Calls those that observe the name, in the order in which they were added. One that is added
+    // meanwhile is not called; one that is removed meanwhile is not called any more. Throws
+    // std::bad_alloc before anybody is called.
+    void Post(const ValString *name, const ValDictionary *user_info);
+
+private:
+    struct Entry {
+        uint64_t number; // in the order of adding
+        void *observer;
+        NotificationCallback callback;
+        Ref<const ValString> name;
+    };
+
+    bool IsThere(uint64_t number) const noexcept;
+
+    mutable std::mutex mutex_; // guards what follows
+    std::vector<Entry> entries_;
+    uint64_t last_number_ = 0;
+};
+
+} // namespace vellum

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "store/legacy_bridge.hpp"
+
+#include "ipc/session/session_manager.hpp"
+#include "platform/app/loadable_bundle.hpp"
+#include "platform/val/string.hpp"
+#include "store/font_reference.hpp"
+
+#include <vellum/fount.h>
+
+#include <algorithm>
+#include <atomic>
+#include <vector>
+
+namespace vellum {
+
+namespace {
+
+// A function of the service, looked up by name until it is found. Two threads may both look.
+template <class Function>
+class FountFunction {
+public:
+    constexpr explicit FountFunction(const char *name) noexcept : name_(name) {}
+
+    Function *Find() noexcept {
+        Function *function = function_.load(std::memory_order_relaxed);
+        if (function) return function;
+        function = reinterpret_cast<Function *>(LoadFountFunction(name_));
+        function_.store(function, std::memory_order_relaxed);
+        return function;
+    }
+
+private:
+    const char *const name_;
+    std::atomic<Function *> function_{nullptr};
+};
+
+constinit FountFunction<FountRegisterURLsFunction> sRegisterURLs("FountRegisterURLs");
+constinit FountFunction<FountEnableURLsFunction> sEnableURLs("FountEnableURLs");
+constinit FountFunction<FountRegisterDataFunction> sRegisterData("FountRegisterData");
+constinit FountFunction<FountFontNotifyFunction> sFontNotify("FountFontNotify");
+constinit FountFunction<FountFontFindFromContainerFunction>
+    sFindFromContainer("FountFontFindFromContainer");
+constinit FountFunction<FountFontGetContainerFunction> sGetContainer("FountFontGetContainer");
+
+// Calls tell(function), unless the service was told already; from now on it counts as told.
+template <class Function, class Tell>
+void TellOnce(FountFunction<Function> &told, VLScope &scope, Tell tell) noexcept {
+    if (scope & kVLScopeLegacyTold) return;
+    if (Function *function = told.Find()) tell(function);
+    scope |= kVLScopeLegacyTold;
+}
+
+void TellOfFiles(const void *fonts, bool is_array, bool registers, VLFontFlags flags,
+                 VLScope &scope) noexcept {
+    TellOnce(sRegisterURLs, scope, [&](FountRegisterURLsFunction *function) {
+        function(fonts, is_array, registers, 0, registers ? flags : 0, scope);
+    });
+}
+
+void TellOfAvailability(const void *fonts, bool is_array, bool enables, VLFontFlags flags,
+                        VLScope &scope) noexcept {
+    TellOnce(sEnableURLs, scope,
+             [&](FountEnableURLsFunction *function) { function(fonts, is_array, enables, flags, scope); });
+}
+
+} // namespace
+
+void DoRegisterURLsWithFount(const ValArray *files, bool registers, VLFontFlags flags,
+                             VLScope &scope) noexcept {
+    TellOfFiles(files, true, registers, flags, scope);
+}
+
+void DoRegisterURLWithFount(const ValURL *file, bool registers, VLFontFlags flags,
+                            VLScope &scope) noexcept {
+    TellOfFiles(file, false, registers, flags, scope);
+}
+
+void DoEnableURLsWithFount(const ValArray *fonts, bool enables, VLFontFlags flags,
+                           VLScope &scope) noexcept {
+    TellOfAvailability(fonts, true, enables, flags, scope);
+}
+
+void DoEnableURLWithFount(const ValURL *font, bool enables, VLFontFlags flags, VLScope &scope) noexcept {
+    TellOfAvailability(font, false, enables, flags, scope);
+}
+
+uint32_t DoRegisterDataWithFount(const ValData *data, uint32_t container, VLFontFlags flags,
+                                 VLScope &scope) noexcept {
+    if (scope & kVLScopeLegacyTold) return 0;
+    uint32_t result = 0;
+    TellOnce(sRegisterData, scope, [&](FountRegisterDataFunction *function) {
+        result = function(data, container, flags, scope);
+    });
+    scope &= ~VLScope{kVLScopeSilent};
+    return result;
+}
+
+void DoNotifyFount() noexcept {
+    if (FountFontNotifyFunction *notify = sFontNotify.Find()) notify(1, 0);
+}
+
+uint32_t FindFountFont(uint32_t container) noexcept {
+    FountFontFindFromContainerFunction *find = container == 0 ? nullptr : sFindFromContainer.Find();
+    if (!find) return 0;
+    constexpr uint32_t kRoom = 8; // most containers have fewer
+    uint32_t few[kRoom] = {};
+    const uint32_t count = find(container, kRoom, few);
+    if (count <= kRoom) return count > 0 ? few[0] : 0;
+    try {
+        std::vector<uint32_t> all(std::min<uint32_t>(count, kLastFontIndex + 1));
+        return find(container, static_cast<uint32_t>(all.size()), all.data()) > 0 ? all[0] : 0;
+    } catch (...) { // memory is exhausted
+        return 0;
+    }
+}
+
+uint32_t FindFountContainer(uint32_t font) noexcept {
+    FountFontGetContainerFunction *get = font == 0 ? nullptr : sGetContainer.Find();
+    return get ? get(font) : 0;
+}
+
+void *LoadFountFunction(const char *name) noexcept {
+    try {
+        const ValString *framework = TSessionManager().GetFrameworkDirPath();
+        return framework ? LoadBundleSymbol(Text(framework), name) : nullptr;
+    } catch (...) { // memory is exhausted
+        return nullptr;
+    }
+}
+
+} // namespace vellum

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "platform/loop/main_loop.hpp"
+
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+
+#include <thread>
+#include <vector>
+
+namespace vellum::test {
+namespace {
+
+using ::testing::ElementsAre;
+
+std::vector<int> fired;
+
+template <int kNumber>
+void Fire(void *) noexcept {
+    fired.push_back(kNumber);
+}
+
+void FireAndAdd(void *) noexcept {
+    fired.push_back(0);
+    AddMainLoopTimer(Fire<1>, nullptr);
+}
+
+void FireInsideAnother(void *) noexcept {
+    AddMainLoopTimer(Fire<2>, nullptr);
+    g_main_context_iteration(nullptr, FALSE);
+    fired.push_back(3);
+}
+
+bool IsReadable(int descriptor) {
+    pollfd poll_entry{descriptor, POLLIN, 0};
+    return ::poll(&poll_entry, 1, 0) == 1;
+}
+
+TEST(MainLoop, FiresATimerOnceAtTheNextPassAndNotBefore) {
+    AddMainLoopTimer(Fire<7>, nullptr);
+    EXPECT_TRUE(fired.empty());
+    EXPECT_TRUE(g_main_context_iteration(nullptr, FALSE));
+    EXPECT_THAT(fired, ElementsAre(7));
+    EXPECT_FALSE(g_main_context_iteration(nullptr, FALSE));
+    EXPECT_THAT(fired, ElementsAre(7));
+}
+
+TEST(MainLoop, GivesTheInfoToTheAction) {
+    int number = 0;
+    AddMainLoopTimer([](void *info) noexcept { *static_cast<int *>(info) = 5; }, &number);
+    g_main_context_iteration(nullptr, FALSE);
+    EXPECT_EQ(number, 5);
+}
+
+TEST(MainLoop, FiresTimersInTheOrderOfAdding) {
+    AddMainLoopTimer(Fire<1>, nullptr);
+    AddMainLoopTimer(Fire<2>, nullptr);
+    AddMainLoopTimer(Fire<3>, nullptr);
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+    EXPECT_THAT(fired, ElementsAre(1, 2, 3));
+}
+
+TEST(MainLoop, LeavesWhatATimerAddsToTheNextPass) {
+    AddMainLoopTimer(FireAndAdd, nullptr);
+    g_main_context_iteration(nullptr, FALSE);
+    EXPECT_THAT(fired, ElementsAre(0));
+    g_main_context_iteration(nullptr, FALSE);
+    EXPECT_THAT(fired, ElementsAre(0, 1));
+}
+
+TEST(MainLoop, GoesOnInALoopThatATimerRuns) {
+    AddMainLoopTimer(FireInsideAnother, nullptr);
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+    EXPECT_THAT(fired, ElementsAre(2, 3));
+}
+
+TEST(MainLoop, IsWokenByATimerOfAnotherThread) {
+    GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
+    std::thread other([loop] {
+        AddMainLoopTimer([](void *info) noexcept { g_main_loop_quit(static_cast<GMainLoop *>(info)); },
+                         loop);
+    });
+    g_main_loop_run(loop); // for ever, unless it is woken
+    other.join();
+    g_main_loop_unref(loop);
+}
+
+TEST(MainLoop, HasADescriptorThatIsReadableWhileATimerWaits) {
+    const int descriptor = MainLoopDescriptor();
+    ASSERT_GE(descriptor, 0);
+    EXPECT_EQ(MainLoopDescriptor(), descriptor);
+    EXPECT_FALSE(IsReadable(descriptor));
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_TRUE(IsReadable(descriptor));
+    FireMainLoopTimers();
+    EXPECT_THAT(fired, ElementsAre(1));
+    EXPECT_FALSE(IsReadable(descriptor));
+}
+
+TEST(MainLoop, HasADescriptorThatIsReadableForATimerAddedBeforeItWasAskedFor) {
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_TRUE(IsReadable(MainLoopDescriptor()));
+}
+
+TEST(MainLoop, MakesTheDescriptorReadableForWhatATimerAdds) {
+    const int descriptor = MainLoopDescriptor();
+    AddMainLoopTimer(FireAndAdd, nullptr);
+    FireMainLoopTimers();
+    EXPECT_THAT(fired, ElementsAre(0));
+    EXPECT_TRUE(IsReadable(descriptor));
+    FireMainLoopTimers();
+    EXPECT_THAT(fired, ElementsAre(0, 1));
+    EXPECT_FALSE(IsReadable(descriptor));
+}
+
+TEST(ConcurrentMainLoop, FiresEachTimerOfManyThreadsOnce) {
+    constexpr int kThreads = 4, kTimers = 2000;
+    static int count;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i)
+        threads.emplace_back([] {
+            for (int j = 0; j < kTimers; ++j) AddMainLoopTimer([](void *) noexcept { ++count; }, nullptr);
+        });
+    while (count < kThreads * kTimers) g_main_context_iteration(nullptr, TRUE);
+    for (std::thread &thread : threads) thread.join();
+    EXPECT_FALSE(g_main_context_iteration(nullptr, FALSE));
+    EXPECT_EQ(count, kThreads * kTimers);
+}
+
+} // namespace
+} // namespace vellum::test
