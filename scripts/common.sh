@@ -10,7 +10,7 @@ VELLUM_FONT_FOLDERS=(/usr/share/fonts /usr/local/share/fonts /usr/share/texmf/fo
 # What the release preset needs: it also looks for the test and benchmark libraries.
 VELLUM_BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config
-    libharfbuzz-dev libfreetype-dev libglib2.0-dev libexpat1-dev libicu-dev
+    libharfbuzz-dev libfreetype-dev libglib2.0-dev libexpat1-dev libicu-dev libfontconfig-dev
     libcli11-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev libbenchmark-dev
 )
@@ -19,7 +19,7 @@ VELLUM_BUILD_PACKAGES=(
 # CFF outlines, Type 1, bitmap fonts, and (the last one) variable fonts with named instances.
 VELLUM_CHECK_PACKAGES=(
     git binutils locales python3 python3-fonttools python3-icu
-    clang-14 libclang-rt-14-dev clang-format-14 libfontconfig-dev libmsgpack-dev
+    clang-14 libclang-rt-14-dev clang-format-14 libmsgpack-dev
     fonts-noto-core fonts-noto-cjk fonts-dejavu fonts-urw-base35 lmodern xfonts-base
     fonts-inter-variable
 )

@@ -33,8 +33,8 @@ install(FILES
     DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
 install(EXPORT vellum-targets NAMESPACE vellum:: DESTINATION ${VELLUM_CMAKE_FOLDER} COMPONENT development)
 
-# The framework of the legacy font service: see CMakeLists.txt beside this. Ours is an empty bundle over
-# share/vellum.
+# The framework of the legacy font service: see CMakeLists.txt beside this. Ours is a bundle over share/vellum;
+# what is loaded of it is the component `legacy`, which legacy/CMakeLists.txt lays down beside this.
 file(RELATIVE_PATH framework_to_resources
     ${CMAKE_INSTALL_FULL_LIBDIR}/vellum/Fount.framework ${CMAKE_INSTALL_FULL_DATADIR}/vellum)
 file(CREATE_LINK ${framework_to_resources} ${CMAKE_CURRENT_BINARY_DIR}/Resources SYMBOLIC)

@@ -56,15 +56,18 @@ if(NOT VELLUM_SANITIZE)
     vellum_add_check(package package TIMEOUT 300
         ENVIRONMENT ${compilers} CMAKE=${CMAKE_COMMAND} VELLUM_GENERATOR=${CMAKE_GENERATOR}
             VELLUM_BUILD=${PROJECT_BINARY_DIR} VELLUM_SOURCE=${PROJECT_SOURCE_DIR}
-            VELLUM_VERSION=${PROJECT_VERSION}
+            VELLUM_VERSION=${PROJECT_VERSION} VELLUM_LEGACY=$<BOOL:${VELLUM_LEGACY_FONT_SERVICE}>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/package/test_package.py)
 endif()
 
 # ---- the tool --------------------------------------------------------------------------------------
-foreach(verb inspect coverage fontinfo list match text)
+foreach(verb inspect coverage fontinfo list match text change monitor)
     vellum_add_check(tools.${verb} tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)
 endforeach()
+vellum_add_check(examples examples
+    ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool> EXAMPLES=$<TARGET_FILE_DIR:example_own_loop>
+    COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/examples/test_examples.py)
 set(folder ${CMAKE_CURRENT_SOURCE_DIR}/oracle)
 vellum_add_check(oracle.inspect oracle TIMEOUT 600
     COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py

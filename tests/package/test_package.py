@@ -2,9 +2,10 @@
 # SPDX-License-Identifier: MIT
 # The package as its users meet it: installed into an empty folder, moved, then built against through
 # pkg-config and through find_package. Environment: VELLUM_BUILD, VELLUM_SOURCE, VELLUM_VERSION,
-# VELLUM_GENERATOR, CMAKE, CC, CXX.
+# VELLUM_GENERATOR, VELLUM_LEGACY (1: with the legacy font service), CMAKE, CC, CXX.
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -12,6 +13,7 @@ import unittest
 BUILD, SOURCE, VERSION, GENERATOR, CMAKE, CC, CXX = (
     os.environ[name] for name in ("VELLUM_BUILD", "VELLUM_SOURCE", "VELLUM_VERSION", "VELLUM_GENERATOR",
                                   "CMAKE", "CC", "CXX"))
+LEGACY = os.environ["VELLUM_LEGACY"] == "1"
 HERE = pathlib.Path(__file__).resolve().parent
 FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
 EXPECTED = "file public.truetype-ttf-font\n"
@@ -97,6 +99,22 @@ class Package(unittest.TestCase):
         resolved = run("ldd", tool, env=self.user_environment())
         self.assertIn(str(self.libraries / "libvellum.so.1"), resolved.replace("bin/../", ""))
         self.assertIn("inspect", run(tool, "--help", env=self.user_environment()))
+
+    @unittest.skipUnless(LEGACY, "built without the legacy font service")
+    def test_the_legacy_font_service_finds_the_library_above_it(self):
+        bundle = self.libraries / "vellum/Fount.framework/Fount.so"
+        resolved = run("ldd", bundle, env=self.user_environment())
+        self.assertIn(str(self.libraries / "libvellum.so.1"), resolved.replace("vellum/Fount.framework/../../", ""))
+        self.assertTrue((bundle.parent / "Resources").is_dir())
+
+    @unittest.skipUnless(LEGACY, "built without the legacy font service")
+    def test_the_legacy_font_service_exports_the_functions_of_its_contract_and_nothing_else(self):
+        header = pathlib.Path(SOURCE, "include/vellum/fount.h").read_text(encoding="utf-8")
+        wanted = set(re.findall(r"\b(Fount\w+)Function\(", header))
+        symbols = run("nm", "-D", "--defined-only", self.libraries / "vellum/Fount.framework/Fount.so")
+        exported = {line.split()[-1].split("@")[0] for line in symbols.splitlines() if " A " not in line}
+        self.assertEqual(len(wanted), 6)
+        self.assertEqual(exported, wanted)
 
     def test_every_public_header_is_installed_and_nothing_else(self):
         wanted = {p.name for p in pathlib.Path(SOURCE, "include/vellum").iterdir()}
