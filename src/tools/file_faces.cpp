@@ -18,7 +18,7 @@ namespace {
 // limited number of faces, and a font tree may have more.
 constexpr size_t kBatch = 32;
 
-constexpr VLScope kScope = kVLScopeProcess | kVLScopeSilent;
+constexpr VLScope kScope = kVLScopeProcess | kVLScopeLegacyTold | kVLScopeSilent;
 
 Ref<const ValArray> URLsOf(std::span<const std::string> paths) {
     std::vector<Ref<const ValURL>> urls;

@@ -40,14 +40,14 @@ void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths) {
         ->allow_extra_args(false);
 }
 
-FontSet::FontSet(const std::vector<std::string> &paths)
+FontSet::FontSet(const std::vector<std::string> &paths, VLScope more)
     : scope_(paths.empty() ? VLScope{kVLScopeAll} : VLScope{kVLScopeProcess}) {
     if (paths.empty()) return;
     const FontFiles files = FindFontFiles(paths);
     refusals_ = files.refusals;
     size_t registered = 0;
     for (const std::string &path : files.paths) {
-        if (VLRegisterFont(FileURL(path).Get(), 0, kVLScopeProcess))
+        if (VLRegisterFont(FileURL(path).Get(), 0, kVLScopeProcess | kVLScopeLegacyTold | more))
             ++registered;
         else
             refusals_.push_back(ExplainRefusal(path));

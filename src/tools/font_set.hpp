@@ -20,8 +20,8 @@ void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths);
 class FontSet {
 public:
     // Registers the fonts of the files and folders for this process; with none, nothing. Says on standard
-    // error what was refused.
-    explicit FontSet(const std::vector<std::string> &paths);
+    // error what was refused. `more` may have kVLScopeSilent.
+    explicit FontSet(const std::vector<std::string> &paths, VLScope more = kVLScopeSilent);
 
     // To be asked with: the process's own fonts where files were named, else all that the machine has.
     VLScope Scope() const noexcept { return scope_; }

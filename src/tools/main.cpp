@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // vellum VERB: fonts from the command line. Each verb is a file of its own that adds itself here.
+#include "tools/change.hpp"
 #include "tools/coverage.hpp"
 #include "tools/exit_code.hpp"
 #include "tools/fontinfo.hpp"
 #include "tools/inspect.hpp"
 #include "tools/list.hpp"
 #include "tools/match.hpp"
+#include "tools/monitor.hpp"
 #include "tools/runs.hpp"
 #include "tools/text.hpp"
 
@@ -51,6 +53,8 @@ int Run(int count, char **arguments) {
     AddInspect(app, result);
     AddCoverage(app, result);
     AddFontInfo(app, result);
+    AddChanges(app, result);
+    AddMonitor(app, result);
 
     if (const int misuse = Parse(app, count, arguments)) return misuse;
     if (!std::cout.flush()) {

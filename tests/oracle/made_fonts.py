@@ -175,3 +175,10 @@ def write_all(folder):
 def write_plain(path, family="Plain", subfamily="Regular"):
     """Writes one small font."""
     make_font(english(family, subfamily)).save(path)
+
+
+def write_plain_collection(path, families):
+    """Writes a collection of small fonts."""
+    collection = TTCollection()
+    collection.fonts = [make_font(english(family)) for family in families]
+    collection.save(str(path))

@@ -1,0 +1,60 @@
+/* SPDX-License-Identifier: MIT */
+/*
+ * Hearing of changes in a program that runs GLib's main loop, as every GTK program does: add an observer,
+ * and that is all.
+ *
+ *     cc glib_main_loop.c $(pkg-config --cflags --libs vellum glib-2.0)
+ *     ./a.out FONT...
+ *
+ * Registers the font files for itself, says what it hears, takes them out again, and ends when it has heard
+ * of that, too.
+ */
+#include <vellum/vellum.h>
+
+#include <glib.h>
+#include <stdio.h>
+
+typedef struct {
+    GMainLoop *loop;
+    const ValArray *files;
+} Program;
+
+static size_t Show(const char *change, const ValArray *fonts) {
+    for (size_t i = 0; i < ValArrayGetCount(fonts); ++i)
+        printf("%s %s\n", change, ValStringGetUTF8(ValArrayGetValue(fonts, i), NULL));
+    return ValArrayGetCount(fonts);
+}
+
+static void FontsChanged(void *center, void *observer, const ValString *name, const void *object,
+                         const ValDictionary *user_info) {
+    (void)center, (void)name, (void)object;
+    Program *program = observer;
+    if (Show("added", ValDictionaryGetValue(user_info, kAvailableFontURLsAddedKey)) > 0)
+        VLUnregisterFonts(program->files, 0, kVLScopeProcess, NULL);
+    if (Show("removed", ValDictionaryGetValue(user_info, kAvailableFontURLsRemovedKey)) > 0)
+        g_main_loop_quit(program->loop);
+}
+
+static const ValArray *FilesOf(int count, char **paths) {
+    ValArray *files = ValArrayCreateMutable(0, &kValValueCallbacks);
+    for (int i = 0; i < count; ++i) {
+        const ValString *path = ValStringCreateWithCString(paths[i]);
+        const ValURL *url = ValURLCreateWithFileSystemPath(path, false, NULL);
+        ValArrayAppend(files, url);
+        ValRelease(url);
+        ValRelease(path);
+    }
+    return files;
+}
+
+int main(int count, char **arguments) {
+    Program program = {g_main_loop_new(NULL, FALSE), FilesOf(count - 1, arguments + 1)};
+    VLAddFontsChangedObserver(&program, FontsChanged);
+    const bool registered = VLRegisterFonts(program.files, 0, kVLScopeProcess, NULL);
+    puts(registered ? "registered" : "not all could be registered");
+    if (registered) g_main_loop_run(program.loop);
+    VLRemoveFontsChangedObserver(&program);
+    ValRelease(program.files);
+    g_main_loop_unref(program.loop);
+    return registered ? 0 : 1;
+}
