@@ -80,7 +80,8 @@ TEST_F(CopyingFiles, GivesNobodysRightsAway) {
 TEST_F(CopyingFiles, KeepsExtendedAttributes) {
     const std::string source = folder.Write("source", "x");
     const std::string value(1000, 'v');
-    ASSERT_EQ(::setxattr(source.c_str(), "user.first", value.data(), value.size(), 0), 0);
+    if (::setxattr(source.c_str(), "user.first", value.data(), value.size(), 0) != 0)
+        GTEST_SKIP() << "the file system of temporary files has no attributes";
     ASSERT_EQ(::setxattr(source.c_str(), "user.empty", "", 0, 0), 0);
     EXPECT_EQ(CopyFile(source, folder.File("copy")), 0);
     char read[2000];
