@@ -100,10 +100,12 @@ TEST_F(LegacyService, HearsOfNoChangeThatItWasToldOfAlready) {
     EXPECT_THAT(service.Told(), IsEmpty());
 }
 
-TEST_F(LegacyService, DoesNotHearOfTheSystemsFontsAgain) {
-    AddShared("a.ttf", MakeFont({"A"}));
-    VLCopyAvailableFontNames(kVLScopeUser);
-    for (const std::string &line : service.Told()) EXPECT_NE(line.find("flags=608"), std::string::npos);
+// It has them already, and tells them by their flags.
+TEST_F(LegacyService, HearsWhichFontsAreTheSystems) {
+    const auto shared = AddShared("a.ttf", MakeFont({"A"}));
+    EXPECT_EQ(VLGetScopeForFont(shared.Get()), VLScope{kVLScopeProcess});
+    EXPECT_THAT(service.Told(),
+                ElementsAre("register array=0 reserved=0 flags=608 scope=1 " + Text(shared)));
 }
 
 // ---- fonts in memory ----
