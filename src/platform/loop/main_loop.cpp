@@ -56,29 +56,23 @@ public:
     }
 
 private:
-    struct Source {
-        GSource base;
-        MainLoop *loop;
-    };
-
     MainLoop() {
         static GSourceFuncs functions = {Prepare, nullptr, Dispatch, nullptr, nullptr, nullptr};
-        GSource *source = g_source_new(&functions, sizeof(Source));
-        reinterpret_cast<Source *>(source)->loop = this;
+        GSource *source = g_source_new(&functions, sizeof(GSource));
         g_source_set_name(source, "vellum timers");
         g_source_set_can_recurse(source, TRUE);
         g_source_attach(source, nullptr);
         g_source_unref(source); // the context keeps it
     }
 
-    static gboolean Prepare(GSource *source, gint *timeout) {
-        const bool is_ready = reinterpret_cast<Source *>(source)->loop->Count() != 0;
+    static gboolean Prepare(GSource *, gint *timeout) {
+        const bool is_ready = Get().Count() != 0;
         *timeout = is_ready ? 0 : -1;
         return is_ready;
     }
 
-    static gboolean Dispatch(GSource *source, GSourceFunc, gpointer) {
-        reinterpret_cast<Source *>(source)->loop->Fire();
+    static gboolean Dispatch(GSource *, GSourceFunc, gpointer) {
+        Get().Fire();
         return G_SOURCE_CONTINUE;
     }
 
