@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // More faces than a machine has: the installed ones over and over, each time under other names.
 //
-// A copy has the original's style, metrics, character map and languages; glyphs are left out, as no
-// question here reads them.
+// A copy has the original's style, metrics, character map and languages. Glyphs are left out where no
+// question reads them, and kept where a peer refuses a font without.
 #pragma once
 
 #include "font_files.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -42,23 +43,28 @@ inline void AppendBigEndian(std::string &bytes, uint32_t value, size_t size) {
     for (size_t i = size; i-- > 0;) bytes += static_cast<char>(value >> (8 * i));
 }
 
-// What of a font answers the questions. Nothing for collections, for variable fonts, and for what lacks
-// one of these tables.
-inline std::optional<TFont> TakeApart(const std::string &path) {
+enum class EKept { TablesAskedFor, EveryTable };
+
+// What of a font answers the questions, or all of it. Nothing for collections, for variable fonts, and for
+// what lacks one of the tables asked for.
+inline std::optional<TFont> TakeApart(const std::string &path, EKept kept = EKept::TablesAskedFor) {
     std::ifstream stream(path, std::ios::binary);
     const std::string file((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
     TFont font{ReadBigEndian(file, 0, 4), {}, {}, {}};
     if (font.version != 0x00010000) return std::nullopt;
+    size_t asked = 0;
     for (size_t i = 0; i < ReadBigEndian(file, 4, 2); ++i) {
         const size_t record = 12 + 16 * i;
         const std::string tag = file.substr(record, 4);
         if (tag == "fvar") return std::nullopt;
-        for (const char *kept : {"cmap", "head", "hhea", "maxp", "OS/2", "post"})
-            if (tag == kept)
-                font.tables[tag] =
-                    file.substr(ReadBigEndian(file, record + 8, 4), ReadBigEndian(file, record + 12, 4));
+        constexpr std::string_view kAsked[] = {"cmap", "head", "hhea", "maxp", "OS/2", "post"};
+        const bool is_asked = std::ranges::find(kAsked, tag) != std::end(kAsked);
+        if (is_asked || kept == EKept::EveryTable)
+            font.tables[tag] =
+                file.substr(ReadBigEndian(file, record + 8, 4), ReadBigEndian(file, record + 12, 4));
+        asked += is_asked;
     }
-    if (font.tables.size() != 6) return std::nullopt;
+    if (asked != 6) return std::nullopt;
     font.tables["post"] = font.tables["post"].substr(0, 32);
     font.tables["post"].replace(0, 4, std::string("\0\3\0\0", 4)); // without the names of glyphs
     return font;
