@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The application fonts of the program's configuration: those that this service put there, among those that
-// the program did.
+// the program did. These are never touched: they need have no file that could be read again.
 //
 // fontconfig leaves it to programs not to change application fonts in one thread while another walks over
-// them, and so does this: a font that comes or goes is a change of them.
+// them. A font that goes does such a thread no harm (retired_fonts.hpp); one that comes may.
 #pragma once
 
 #include "font_set_index.hpp"
+#include "retired_fonts.hpp"
 
 #include <string>
 #include <unordered_map>
@@ -31,35 +32,34 @@ public:
     // Adds the fonts of a file, unless the program has added it.
     void Add(FcConfig *config, const std::string &path);
 
-    // Takes files out that were added here. fontconfig can only take all out: the others are put back, each
-    // once, in their order.
+    // Takes out what was added here of these files; nothing else is moved but up. All or, when memory is
+    // exhausted, nothing.
     void Remove(FcConfig *config, const std::unordered_set<std::string> &paths);
 
-    // Puts the program's application fonts into another configuration.
+    // Has another configuration share the program's application fonts, in their order.
     void CopyForeign(FcConfig *from, FcConfig *into) const;
+
+    // Gives up what was taken out: for who knows that nobody looks at it.
+    void FreeRetired() noexcept { retired_.Clear(); }
 
     // How many faces fontconfig found in a file that was added here.
     size_t FacesOf(const std::string &path) const;
 
 private:
     struct Own {
-        int fonts = 0;    // that the file brought
+        std::vector<const FcPattern *> fonts; // never followed: known by their addresses and their file
+        std::string file;                     // as fontconfig has it, which may look below another root
         size_t faces = 0; // named instances count, the font that stands for all of them does not
     };
 
-    struct Files {
-        std::vector<std::string> order; // each once
-        std::unordered_map<std::string, int> fonts;
-    };
-
-    static Files FilesOf(FcConfig *config);
-    static Own AddFile(FcConfig *config, const std::string &path);
-    bool IsForeign(const Files &files, const std::string &path) const;
+    static Own OwnFrom(const FcFontSet &set, int first);
+    static bool IsIn(const FcFontSet *set, const Own &own) noexcept;
 
     const FcConfig *config_ = nullptr; // the one that was followed, known by its address alone
     TFontSetIndex system_;
     TFontSetIndex application_;
     std::unordered_map<std::string, Own> own_;
+    TRetiredFonts retired_;
 };
 
 } // namespace vellum::legacy

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Writing of fontconfig's XML.
 //
-// A whole file is a <glob>, compared byte by byte and as exact as XmlGlob can be. fontconfig compares what
-// stands in a <pattern> without regard to letter case, paths too: it is for faces, which have no other way.
+// A whole file is a <glob>, compared byte by byte and as exact as XmlGlob can be. One more is for all that
+// is below it: not for what is a file now, which has nothing below it, but for a folder, and for what is
+// not there, which may have been one. fontconfig compares what stands in a <pattern> without regard to
+// letter case, paths too: it is for faces, which have no other way.
 #include "configuration_text.hpp"
 
+#include "folders.hpp"
+#include "freetype_faces.hpp"
 #include "registered_links.hpp"
 #include "xml_text.hpp"
 
@@ -35,21 +39,34 @@ std::string FacePattern(const std::string &path, const FontFace &face) {
     return "      <pattern>" + TextElement("file", *file) + elements + "</pattern>\n";
 }
 
+std::string Glob(const std::string &path, const char *below = "") {
+    return "      <glob>" + XmlGlob(path) + below + "</glob>\n";
+}
+
 std::string Rejections(const std::string &path, const TDisabledFonts::File &file) {
-    if (file.is_whole) return "      <glob>" + XmlGlob(path) + "</glob>\n";
+    if (file.is_whole) return Glob(path);
     std::string text;
     for (const FontFace &face : file.faces) text += FacePattern(path, face);
     return text;
 }
 
-} // namespace
-
-std::string ConfigurationText(const TDisabledFonts &fonts) {
+std::string AllRejections(const TDisabledFonts &fonts) {
     std::string rejected;
     for (const auto &[path, file] : fonts.Files()) {
         rejected += Rejections(path, file);
         if (const std::string link = LinkPathOf(path); !link.empty()) rejected += Rejections(link, file);
+        if (file.is_whole && !IsFontFile(path)) rejected += Glob(path, "/*");
     }
+    for (const RegisteredLink &link : RegisteredLinks()) {
+        if (fonts.IsFileDisabled(FolderAbove(link.target))) rejected += Glob(link.path);
+    }
+    return rejected;
+}
+
+} // namespace
+
+std::string ConfigurationText(const TDisabledFonts &fonts) {
+    const std::string rejected = AllRejections(fonts);
     std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                        "<!DOCTYPE fontconfig SYSTEM \"urn:fontconfig:fonts.dtd\">\n";
     text +=

@@ -9,7 +9,8 @@
 
 namespace vellum::legacy {
 
-// The whole file. Each font is rejected where it lies and where its link stands, if it has one.
+// The whole file. Each font is rejected where it lies and where its link stands, if it has one; of what
+// lies in a folder, the links that there are now.
 std::string ConfigurationText(const TDisabledFonts &fonts);
 
 // Whether a text is one of ours, and so may be replaced.

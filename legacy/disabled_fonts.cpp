@@ -2,6 +2,7 @@
 // The list of disabled fonts. Whoever may have written the text, reading it fails at no more than a line.
 #include "disabled_fonts.hpp"
 
+#include "folders.hpp"
 #include "percent_text.hpp"
 
 #include <algorithm>
@@ -84,17 +85,20 @@ std::string TDisabledFonts::Text() const {
 }
 
 void TDisabledFonts::Disable(const SelectedFont &font) {
+    if (IsFileDisabled(font.path)) return;
     if (font.is_whole_file) {
+        EraseBelow(files_, font.path);
         files_[font.path] = {true, {}};
     } else if (!font.faces.empty()) {
         File &file = files_[font.path];
-        if (file.is_whole) return;
         for (const FontFace &face : font.faces) AddFace(file.faces, face);
         if (HoldsAll(file.faces, font.all)) file = {true, {}};
     }
 }
 
 void TDisabledFonts::Enable(const SelectedFont &font) {
+    OpenFoldersAbove(font.path);
+    if (font.is_whole_file) EraseBelow(files_, font.path);
     const auto found = files_.find(font.path);
     if (found == files_.end()) return;
     File &file = found->second;
@@ -109,9 +113,35 @@ void TDisabledFonts::Enable(const SelectedFont &font) {
         file = {false, std::move(faces)};
 }
 
-bool TDisabledFonts::IsFileDisabled(const std::string &path) const {
+void TDisabledFonts::DisableAllIn(const std::string &folder) {
+    for (const std::string &name : NamesIn(folder)) files_[folder + '/' + name] = {true, {}};
+}
+
+// Afterwards no folder above is disabled as a whole; what lies in those that were is, the path with it.
+void TDisabledFonts::OpenFoldersAbove(const std::string &path) {
+    std::vector<std::string> closed; // from the innermost to the outermost
+    size_t outermost = 0;
+    for (std::string_view folder = FolderAbove(path); !folder.empty(); folder = FolderAbove(folder)) {
+        closed.emplace_back(folder);
+        if (IsWhole(folder)) outermost = closed.size();
+    }
+    for (size_t i = outermost; i-- > 0;) {
+        DisableAllIn(closed[i]);
+        files_.erase(closed[i]);
+        files_[i == 0 ? path : closed[i - 1]] = {true, {}};
+    }
+}
+
+bool TDisabledFonts::IsWhole(std::string_view path) const {
     const auto found = files_.find(path);
     return found != files_.end() && found->second.is_whole;
+}
+
+bool TDisabledFonts::IsFileDisabled(std::string_view path) const {
+    for (; !path.empty(); path = FolderAbove(path)) {
+        if (IsWhole(path)) return true;
+    }
+    return false;
 }
 
 } // namespace vellum::legacy

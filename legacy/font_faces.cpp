@@ -15,11 +15,6 @@
 namespace vellum::legacy {
 namespace {
 
-bool IsRegularFont(const FcPattern *font) noexcept {
-    FcBool variable = FcFalse;
-    return FcPatternGetBool(font, FC_VARIABLE, 0, &variable) != FcResultMatch || variable == FcFalse;
-}
-
 bool HasName(const FontFace &face, const std::string &name) noexcept {
     return !name.empty() && FcStrCmpIgnoreCase(AsFontconfig(face.postscript_name), AsFontconfig(name)) == 0;
 }
@@ -53,6 +48,15 @@ void DropSharedNames(std::vector<FontFace> &faces) {
     }
 }
 
+// All that fontconfig finds in a file; may be null.
+FontSetRef ReadFonts(const std::string &path) {
+    FontSetRef set(FcFontSetCreate());
+    int count = 0;
+    if (set && IsFontFile(path))
+        FcFreeTypeQueryAll(AsFontconfig(path), static_cast<unsigned>(-1), nullptr, &count, set.get());
+    return set;
+}
+
 } // namespace
 
 bool FontFace::IsSame(const FontFace &other) const noexcept {
@@ -62,17 +66,19 @@ bool FontFace::IsSame(const FontFace &other) const noexcept {
 
 std::vector<FontFace> ReadFaces(const std::string &path) {
     std::vector<FontFace> faces;
-    const FontSetRef set(FcFontSetCreate());
-    int count = 0;
-    if (!set || !IsFontFile(path)) return faces;
-    FcFreeTypeQueryAll(AsFontconfig(path), static_cast<unsigned>(-1), nullptr, &count, set.get());
-    for (int i = 0; i < set->nfont; ++i) {
+    const FontSetRef set = ReadFonts(path);
+    for (int i = 0; set && i < set->nfont; ++i) {
         const FcPattern *font = set->fonts[i];
         if (IsRegularFont(font))
             faces.push_back({IndexOf(font), std::string(TextOf(font, FC_POSTSCRIPT_NAME))});
     }
     DropSharedNames(faces);
     return faces;
+}
+
+bool HasFonts(const std::string &path) {
+    const FontSetRef set = ReadFonts(path);
+    return set && set->nfont > 0;
 }
 
 SelectedFont Select(const FontURL &url) {

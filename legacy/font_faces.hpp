@@ -22,10 +22,13 @@ struct FontFace {
 // that a URL names. Empty when fontconfig can't read the file.
 std::vector<FontFace> ReadFaces(const std::string &path);
 
+// Whether fontconfig finds any font in a file.
+bool HasFonts(const std::string &path);
+
 // What a font URL means in its file.
 struct SelectedFont {
     std::string path;
-    bool is_whole_file = true;   // said so, or by naming the only face
+    bool is_whole_file = true;   // said so, or by naming the only face; or all below a folder
     std::vector<FontFace> faces; // which are meant, when it is not the whole file
     std::vector<FontFace> all;   // which there are, then
 };

@@ -2,9 +2,10 @@
 // What the six functions do: fontconfig is kept in step with a font register.
 //
 // Registered fonts. They become application fonts of the program's configuration, unless the system has the
-// file already (then it would be listed twice) or the program has added it; withdrawn, they go again. With
-// kVLScopeUser a link in a folder of ours shows the file to every other program as well. Files with
-// kVLFontFlagSystem are fontconfig's already.
+// file already (then it would be listed twice) or the program has added it; withdrawn from every register
+// that they were for, they go again. With kVLScopeUser a link in a folder of ours shows the file to every
+// other program as well, if fontconfig finds a font in it. Files with kVLFontFlagSystem are fontconfig's
+// already.
 //
 // Disabled fonts. With kVLScopeUser they are rejected in the user's fontconfig files, for every program:
 // others see it when their fontconfig next looks for changes, this one at once (current_configuration.hpp).
@@ -13,6 +14,8 @@
 // there a registered file is taken out and put back; a face alone cannot be disabled, and enabling one
 // enables its file; of the system's files nothing can be hidden from one process alone.
 //
+// A folder's path stands for all below it when fonts are withdrawn, disabled or enabled.
+//
 // What is so is written down here, and the configuration made to fit whenever the service is called: the
 // program may have replaced its configuration, or cleared its application fonts.
 #pragma once
@@ -20,6 +23,7 @@
 #include "application_fonts.hpp"
 #include "font_url.hpp"
 #include "memory_fonts.hpp"
+#include "registered_files.hpp"
 #include "user_fonts.hpp"
 
 #include <vellum/vellum.h>
@@ -28,8 +32,6 @@
 #include <mutex>
 #include <span>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace vellum::legacy {
@@ -58,30 +60,30 @@ public:
     void Settle();
 
 private:
-    struct File {
-        size_t times = 0;    // it was registered
-        uint64_t number = 0; // in the order of registration
-    };
-
-    void AddFile(const std::string &path);
-    void RemoveFile(const std::string &path);
-    std::vector<std::string> FilesInOrder() const;
+    // These hold the mutex of those who call them.
     bool IsWanted(FcConfig *config, const std::string &path);
-    void EnableHere(const std::vector<SelectedFont> &fonts, bool enables);
     void SettleIn(FcConfig *config, std::vector<std::string> changed);
     void SettleNow(std::vector<std::string> changed);
+    std::vector<std::string> FilesOf(const std::vector<FontURL> &urls) const;
+    void EnableHere(const std::vector<SelectedFont> &fonts, bool enables);
+
+    // These hold the user's mutex of those who call them, and take the other for moments.
+    ConfigurationRef LockedConfiguration();
+    bool ReplaceConfiguration();
     void ReadConfigurationAnew();
-    bool LinkFiles(const std::vector<FontURL> &urls);
-    bool UnlinkFiles(const std::vector<FontURL> &urls);
+    void UnlinkFiles(const std::vector<FontURL> &urls);
+    bool ChangeForUser(const std::vector<SelectedFont> &fonts, bool enables);
+
+    // Held over changes of the user's files and over the reading of a new configuration: those may wait for
+    // other processes, for seconds. Never taken for a change of this process alone, which the library tells
+    // while queries wait for it. Taken before the other.
+    std::mutex user_mutex_;
 
     std::mutex mutex_; // guards all below, and that calls see fontconfig one after the other
-    std::unordered_map<std::string, File> files_;
-    std::unordered_set<std::string>
-        hidden_; // files that are disabled in this process, while they are registered
+    TRegisteredFiles files_;
     TMemoryFonts memory_;
     TUserFonts user_;
     TApplicationFonts application_;
-    uint64_t last_number_ = 0;
 };
 
 } // namespace vellum::legacy

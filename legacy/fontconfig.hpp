@@ -56,6 +56,12 @@ inline std::string_view FileOf(const FcPattern *font) noexcept {
     return TextOf(font, FC_FILE);
 }
 
+// Whether a font is one face or one named instance, and not the font that stands for all instances.
+inline bool IsRegularFont(const FcPattern *font) noexcept {
+    FcBool variable = FcFalse;
+    return FcPatternGetBool(font, FC_VARIABLE, 0, &variable) != FcResultMatch || variable == FcFalse;
+}
+
 // Which face of its file a font is; a named instance's number stands in the upper 16 bits.
 inline int IndexOf(const FcPattern *font) noexcept {
     int index = 0;

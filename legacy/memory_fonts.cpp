@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -43,16 +44,26 @@ int MoveToNewNumber(int file) noexcept {
 TMemoryFile::TMemoryFile(std::span<const uint8_t> bytes) {
     const int file = memfd_create("vellum-font", MFD_CLOEXEC | MFD_ALLOW_SEALING);
     if (file < 0) return;
-    if (Fill(file, bytes))
-        file_ = MoveToNewNumber(file);
-    else
+    struct stat status = {};
+    if (!Fill(file, bytes) || fstat(file, &status) != 0) {
         close(file);
+        return;
+    }
+    device_ = status.st_dev;
+    number_ = status.st_ino;
+    file_ = MoveToNewNumber(file);
 }
 
-TMemoryFile::TMemoryFile(TMemoryFile &&other) noexcept : file_(std::exchange(other.file_, -1)) {}
+TMemoryFile::TMemoryFile(TMemoryFile &&other) noexcept
+    : file_(std::exchange(other.file_, -1)), device_(other.device_), number_(other.number_) {}
 
 TMemoryFile::~TMemoryFile() {
-    if (file_ >= 0) close(file_);
+    if (*this) close(file_);
+}
+
+TMemoryFile::operator bool() const noexcept {
+    struct stat status = {};
+    return file_ >= 0 && fstat(file_, &status) == 0 && status.st_dev == device_ && status.st_ino == number_;
 }
 
 std::string TMemoryFile::Path() const {
@@ -74,7 +85,17 @@ uint32_t TMemoryFonts::Add(TMemoryFile file, size_t faces) {
 
 std::string TMemoryFonts::PathOf(uint32_t container) const {
     const auto found = containers_.find(container);
-    return found == containers_.end() ? std::string() : found->second.file.Path();
+    return found == containers_.end() || !found->second.file ? std::string() : found->second.file.Path();
+}
+
+std::vector<std::string> TMemoryFonts::ForgetLost() {
+    std::vector<std::string> paths;
+    for (auto &[id, container] : containers_) {
+        if (!container.file.IsLost()) continue;
+        paths.push_back(container.file.Path());
+        container.file.Forget();
+    }
+    return paths;
 }
 
 void TMemoryFonts::Remove(uint32_t container) {

@@ -2,6 +2,7 @@
 // Making and taking away of links. Another process may do the same at the same time.
 #include "registered_links.hpp"
 
+#include "folders.hpp"
 #include "user_files.hpp"
 
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace vellum::legacy {
 namespace {
@@ -40,17 +42,28 @@ std::string LinkName(const std::string &path) {
     return std::string(hash) + '-' + name;
 }
 
-bool Leads(const std::string &link, const std::string &path) {
+// Empty when there is no such link.
+std::string TargetOf(const std::string &link) {
     char target[PATH_MAX];
     const ssize_t length = readlink(link.c_str(), target, sizeof target);
-    return length >= 0 && std::string_view(target, static_cast<size_t>(length)) == path;
+    return length < 0 ? std::string() : std::string(target, static_cast<size_t>(length));
+}
+
+bool Leads(const std::string &link, const std::string &path) {
+    return !link.empty() && TargetOf(link) == path;
+}
+
+// Empty without a data folder.
+std::string LinksFolder() {
+    const std::string home = DataHome();
+    return home.empty() ? home : home + '/' + kRegisteredFontsFolder;
 }
 
 } // namespace
 
 std::string LinkPathOf(const std::string &path) {
-    const std::string home = DataHome();
-    return home.empty() ? home : home + '/' + kRegisteredFontsFolder + '/' + LinkName(path);
+    const std::string folder = LinksFolder();
+    return folder.empty() ? folder : folder + '/' + LinkName(path);
 }
 
 bool AddLink(const std::string &path) {
@@ -64,6 +77,24 @@ bool AddLink(const std::string &path) {
 bool RemoveLink(const std::string &path) {
     const std::string link = LinkPathOf(path);
     return Leads(link, path) && unlink(link.c_str()) == 0;
+}
+
+std::vector<RegisteredLink> RegisteredLinks() {
+    std::vector<RegisteredLink> links;
+    const std::string folder = LinksFolder();
+    if (folder.empty()) return links;
+    for (const std::string &name : NamesIn(folder)) {
+        std::string target = TargetOf(folder + '/' + name);
+        if (target.starts_with('/') && LinkName(target) == name)
+            links.push_back({folder + '/' + name, std::move(target)});
+    }
+    std::sort(links.begin(), links.end(), [](const auto &a, const auto &b) { return a.path < b.path; });
+    return links;
+}
+
+bool HasLinks() {
+    const std::string folder = LinksFolder();
+    return !folder.empty() && !NamesIn(folder).empty();
 }
 
 } // namespace vellum::legacy

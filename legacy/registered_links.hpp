@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace vellum::legacy {
 
@@ -22,5 +23,16 @@ bool AddLink(const std::string &path);
 
 // Whether there was one.
 bool RemoveLink(const std::string &path);
+
+struct RegisteredLink {
+    std::string path;   // of the link
+    std::string target; // the font file
+};
+
+// All links that were laid here, by path. What else lies in the folder is left out.
+std::vector<RegisteredLink> RegisteredLinks();
+
+// Whether there is anything in the folder.
+bool HasLinks();
 
 } // namespace vellum::legacy

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files of the user's. Descriptors are closed on exec, and whatever fails leaves no file of its own behind.
+// Files of the user's. Descriptors are closed on exec, and whatever fails leaves no file of its own behind;
+// a process that is killed may, and the next one to write takes it away.
 #include "user_files.hpp"
 
 #include "fontconfig.hpp"
@@ -11,7 +12,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -20,6 +23,12 @@ namespace {
 
 constexpr size_t kLongestFile = size_t{16} << 20;
 constexpr std::chrono::milliseconds kBetweenTries{2};
+constexpr mode_t kModeBits = S_IRWXU | S_IRWXG | S_IRWXO;
+
+// What follows the name of a file while it is written. Nobody calls a file of his own so, as he may a copy
+// that he keeps.
+constexpr std::string_view kUnfinished = ".unfinished-";
+constexpr std::string_view kAnyLetters = "XXXXXX";
 
 class TDescriptor {
 public:
@@ -37,10 +46,12 @@ private:
     int file_;
 };
 
+// A program that runs with more rights than its caller has does not write where the caller's environment
+// says.
 std::string UserFolder(const char *variable, const char *below_home) {
-    const char *folder = std::getenv(variable);
+    const char *folder = secure_getenv(variable);
     if (folder && folder[0] == '/') return NormalPath(folder);
-    const char *home = std::getenv("HOME");
+    const char *home = secure_getenv("HOME");
     return home && home[0] == '/' ? NormalPath(std::string(home) + below_home) : std::string();
 }
 
@@ -59,9 +70,18 @@ std::string ResolveLink(const std::string &path) {
     return real ? std::string(real.get()) : path;
 }
 
-void SyncFolderOf(const std::string &path) noexcept {
-    const TDescriptor folder(
-        open(path.substr(0, path.rfind('/') + 1).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+std::string FolderOf(const std::string &path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+// Who may read a file is the user's to say. Where the file system knows no such thing, nothing is lost.
+void KeepMode(int file, const std::string &former) noexcept {
+    struct stat status = {};
+    if (stat(former.c_str(), &status) == 0) static_cast<void>(fchmod(file, status.st_mode & kModeBits));
+}
+
+void SyncFolderOf(const std::string &path) {
+    const TDescriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.Get() >= 0) fsync(folder.Get());
 }
 
@@ -102,9 +122,10 @@ std::optional<std::string> ReadSmallFile(const std::string &path) {
 bool ReplaceFile(const std::string &path, std::string_view bytes) {
     if (bytes.size() > kLongestFile) return false;
     const std::string target = ResolveLink(path);
-    std::string beside = target + ".XXXXXX";
+    std::string beside = target + std::string(kUnfinished).append(kAnyLetters);
     TDescriptor file(mkostemp(beside.data(), O_CLOEXEC));
     if (file.Get() < 0) return false;
+    KeepMode(file.Get(), target);
     const bool is_written = WriteAll(file.Get(), bytes) && fsync(file.Get()) == 0 && file.Close();
     if (!is_written || rename(beside.c_str(), target.c_str()) != 0) {
         unlink(beside.c_str());
@@ -112,6 +133,18 @@ bool ReplaceFile(const std::string &path, std::string_view bytes) {
     }
     SyncFolderOf(target);
     return true;
+}
+
+void RemoveUnfinished(const std::string &path) {
+    const std::string target = ResolveLink(path);
+    const std::string begin = target.substr(target.rfind('/') + 1) + std::string(kUnfinished);
+    std::error_code error;
+    std::filesystem::directory_iterator entry(FolderOf(target), error);
+    for (const std::filesystem::directory_iterator end; !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (name.starts_with(begin) && name.size() == begin.size() + kAnyLetters.size())
+            unlink(entry->path().c_str());
+    }
 }
 
 TFileLock::TFileLock(const std::string &path, std::chrono::milliseconds patience)

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fonts that are disabled for the user, in two files of the user's:
-//
-//     $XDG_CONFIG_HOME/vellum/disabled-fonts                  what is so: disabled_fonts.hpp
-//     $XDG_CONFIG_HOME/fontconfig/conf.d/50-vellum.conf       made from it, for fontconfig to read
-//
-// Both are replaced whole, under a lock file beside the first: processes that change them at the same time
-// do so one after the other. A 50-vellum.conf that somebody else wrote is put aside, not overwritten.
+// Which files are disabled for the user, as this process knows: by the user's list (user_list.hpp), and by
+// what could not be written into it.
 #pragma once
 
 #include "disabled_fonts.hpp"
@@ -15,13 +10,10 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vellum::legacy {
-
-// What has come of a change: the list could not be written; it says what it should; or fontconfig has
-// another file to read besides.
-enum class Outcome { Failed, Kept, Rewritten };
 
 // Not safe for threads: the service's mutex guards it.
 class TUserFonts {
@@ -30,23 +22,18 @@ public:
     bool Refresh();
 
     // Whether all of a file is disabled, by the list or, where that could not be written, in this process.
-    bool IsFileDisabled(const std::string &path) const;
+    bool IsFileDisabled(std::string_view path) const;
 
-    // Enables or disables fonts for the user. Whether fontconfig has another file to read now.
-    bool SetEnabled(const std::vector<SelectedFont> &fonts, bool enables);
-
-    // Has the folder of registered fonts looked into. Whether fontconfig has another file to read now.
-    bool WriteConfiguration();
+    // Notes a change; `is_kept`: the list says so too.
+    void Remember(const std::vector<SelectedFont> &fonts, bool enables, bool is_kept);
 
 private:
-    Outcome Edit(const std::function<void(TDisabledFonts &)> &edit);
-    Outcome EditLocked(const std::string &home, const std::function<void(TDisabledFonts &)> &edit);
-    void Remember(const std::vector<SelectedFont> &fonts, bool enables, bool is_kept);
+    const bool *FindUnwritten(std::string_view path) const;
 
     struct stat status_ = {}; // of the list when it was read
     TDisabledFonts fonts_;
-    std::map<std::string, bool>
-        unwritten_; // whether a file is disabled in this process, whatever the list says
+    std::map<std::string, bool, std::less<>> unwritten_; // whether a file, or all in a folder, is disabled
+                                                         // in this process, whatever the list says
 };
 
 } // namespace vellum::legacy

@@ -306,6 +306,17 @@ TEST_F(DisabledFonts, LeaveAllApplicationFontsWhenTheConfigurationIsReadAnew) {
     FcConfigDestroy(former);
 }
 
+TEST_F(DisabledFonts, LeaveApplicationFontsWithoutFilesWhenTheConfigurationIsReadAnew) {
+    const std::string system = WriteSystemFont("a.ttf", "System");
+    const std::string gone = WriteFont("1.ttf", "Gone");
+    AddByProgram(gone);
+    Register(WriteFont("2.ttf", "Ours"));
+    AddByHand("Made");
+    std::filesystem::remove(gone);
+    Disable(system, kVLScopeUser);
+    EXPECT_THAT(Fonts(), ElementsAre("Gone", "Made", "Ours"));
+}
+
 TEST_F(DisabledFonts, LeaveAProgramItsOwnConfiguration) {
     WriteSystemFont("a.ttf", "System");
     FcConfig *own = FcConfigCreate();

@@ -2,7 +2,9 @@
 // Fonts in memory.
 #include "service_fixture.hpp"
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
@@ -141,6 +143,72 @@ TEST_F(MemoryFonts, AreRegisteredBeyondAsManyDescriptorsAsAProcessMayOpen) {
         ASSERT_EQ(id, static_cast<uint32_t>(i + 1));
         WithdrawContainer(id);
     }
+}
+
+// The program closes what is not its own, and opens a file of its own by the number that came free.
+class LostMemoryFonts : public MemoryFonts {
+protected:
+    // Puts a file at the number of the only font there is. Where the font was.
+    std::string PutInPlaceOfFont(const std::string &path) const {
+        const std::string place = *ApplicationFiles().begin();
+        const int number = std::stoi(place.substr(place.rfind('/') + 1));
+        const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(dup3(file, number, O_CLOEXEC), number);
+        close(file);
+        return place;
+    }
+
+    static bool IsOpen(const std::string &place) { return ReadText(place) == "the program's"; }
+};
+
+TEST_F(LostMemoryFonts, LeaveTheDescriptorToTheProgram) {
+    const uint32_t id = RegisterBytes(FontNamed("Memory"));
+    const std::string place = PutInPlaceOfFont(home_.Write("database", "the program's"));
+    EXPECT_EQ(WithdrawContainer(id), id);
+    EXPECT_TRUE(IsOpen(place));
+    EXPECT_THAT(Fonts(), IsEmpty());
+    EXPECT_EQ(WithdrawContainer(id), 0u);
+}
+
+TEST_F(LostMemoryFonts, AreNoMoreWithTheNextCall) {
+    const uint32_t id = RegisterBytes(FontNamed("Memory"));
+    PutInPlaceOfFont(home_.Write("database", "the program's"));
+    service_.font_notify(1, 0);
+    EXPECT_THAT(Fonts(), IsEmpty());
+    EXPECT_THAT(FontsIn(id), SizeIs(1));
+}
+
+TEST_F(LostMemoryFonts, AreNotReadFromAnotherFile) {
+    const std::string path = WriteFont("a.ttf", "File");
+    RegisterBytes(FontNamed("Memory"));
+    PutInPlaceOfFont(WriteFont("b.ttf", "Stranger"));
+    Register(path);
+    Withdraw(path); // all that stays is read again
+    EXPECT_THAT(Fonts(), IsEmpty());
+    ASSERT_TRUE(FcInitReinitialize());
+    service_.font_notify(1, 0);
+    EXPECT_THAT(Fonts(), IsEmpty());
+}
+
+// Numbers begin again when there are no higher ones.
+TEST_F(LostMemoryFonts, GiveTheirPlaceToOthers) {
+    rlimit limit = {};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    limit.rlim_cur = 64;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    const uint32_t lost = RegisterBytes(FontNamed("Lost"));
+    const std::string place = *ApplicationFiles().begin();
+    close(std::stoi(place.substr(place.rfind('/') + 1)));
+    uint32_t id = RegisterBytes(FontNamed("Found"));
+    for (int i = 0; i < 100 && !ApplicationFiles().contains(place); ++i) {
+        WithdrawContainer(id);
+        id = RegisterBytes(FontNamed("Found"));
+    }
+    ASSERT_THAT(ApplicationFiles(), ElementsAre(place));
+    EXPECT_THAT(Fonts(), ElementsAre("Found"));
+    EXPECT_EQ(WithdrawContainer(lost), lost);
+    EXPECT_THAT(Fonts(), ElementsAre("Found"));
+    EXPECT_EQ(ReadText(place).size(), FontNamed("Found").size());
 }
 
 TEST_F(MemoryFonts, AreNoneWhenNoDescriptorIsLeft) {

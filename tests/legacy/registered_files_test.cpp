@@ -2,9 +2,13 @@
 // Font files that a process registers, as that process's fontconfig sees them.
 #include "service_fixture.hpp"
 
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
+#include <initializer_list>
 
 namespace vellum::test {
 namespace {
@@ -13,23 +17,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class RegisteredFiles : public LegacyTest {};
-
-// What fontconfig takes for a family, by its usual way of matching.
-std::string MatchFamily(const char *family) {
-    FcPattern *pattern = FcPatternCreate();
-    FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8 *>(family));
-    FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
-    FcDefaultSubstitute(pattern);
-    FcResult result = FcResultNoMatch;
-    FcPattern *match = FcFontMatch(nullptr, pattern, &result);
-    FcChar8 *name = nullptr;
-    std::string found;
-    if (match && FcPatternGetString(match, FC_POSTSCRIPT_NAME, 0, &name) == FcResultMatch)
-        found = reinterpret_cast<const char *>(name);
-    if (match) FcPatternDestroy(match);
-    FcPatternDestroy(pattern);
-    return found;
-}
 
 TEST_F(RegisteredFiles, AreFoundAtOnceAndNoMoreWhenWithdrawn) {
     WriteSystemFont("system.ttf", "System");
@@ -63,18 +50,48 @@ TEST_F(RegisteredFiles, ComeAndGoAsAnArray) {
     EXPECT_THAT(ApplicationFonts(), ElementsAre("C-Regular"));
 }
 
-TEST_F(RegisteredFiles, StayUntilTheyAreWithdrawnAsOftenAsTheyWereRegistered) {
+TEST_F(RegisteredFiles, GoWithOneWithdrawalHoweverOftenTheyWereRegistered) {
     const std::string path = WriteFont("a.ttf", "Ours");
     Register(path);
     Register(path);
-    EXPECT_THAT(Fonts(), ElementsAre("Ours"));
-    Withdraw(path);
     EXPECT_THAT(Fonts(), ElementsAre("Ours"));
     Withdraw(path);
     EXPECT_THAT(Fonts(), IsEmpty());
     Withdraw(path);
     Register(path);
     EXPECT_THAT(Fonts(), ElementsAre("Ours"));
+}
+
+TEST_F(RegisteredFiles, ThatWereToldOfBeforeTheyCouldBeReadGoWithOneWithdrawal) {
+    const std::string path = fonts_.Write("a.ttf", "half of it");
+    Register(path);
+    EXPECT_THAT(Fonts(), IsEmpty());
+    WriteFont("a.ttf", "Ours");
+    Register(path);
+    EXPECT_THAT(Fonts(), ElementsAre("Ours"));
+    Withdraw(path);
+    EXPECT_THAT(Fonts(), IsEmpty());
+}
+
+TEST_F(RegisteredFiles, StayAsLongAsEitherRegisterHasThem) {
+    const std::string path = WriteFont("a.ttf", "Ours");
+    Register(path, kVLScopeProcess);
+    Register(path, kVLScopeSession);
+    Withdraw(path, kVLScopeProcess);
+    EXPECT_THAT(Fonts(), ElementsAre("Ours"));
+    Withdraw(path, kVLScopeProcess);
+    EXPECT_THAT(Fonts(), ElementsAre("Ours"));
+    Withdraw(path, kVLScopeSession);
+    EXPECT_THAT(Fonts(), IsEmpty());
+}
+
+TEST_F(RegisteredFiles, StayWhenTheOtherRegisterIsToldToDropThem) {
+    const std::string path = WriteFont("a.ttf", "Ours");
+    Register(path, kVLScopeProcess);
+    for (const VLScope scope : std::initializer_list<VLScope>{0, kVLScopeSession, kVLScopeAll}) {
+        Withdraw(path, scope);
+        EXPECT_THAT(Fonts(), ElementsAre("Ours")) << scope;
+    }
 }
 
 TEST_F(RegisteredFiles, OfTheSystemAreNotListedTwiceAndStayWhenWithdrawn) {
@@ -113,6 +130,70 @@ TEST_F(RegisteredFiles, LeaveTheProgramsOwnApplicationFontsInTheirOrder) {
     AddByProgram(WriteFont("5.ttf", "Third"));
     Withdraw(ours);
     EXPECT_THAT(ApplicationFonts(), ElementsAre("First", "Second-A", "Second-B", "Kept", "Third"));
+}
+
+TEST_F(RegisteredFiles, LeaveAFontOfTheProgramsWhoseFileHasGone) {
+    const std::string ours = WriteFont("1.ttf", "Ours");
+    const std::string theirs = WriteFont("2.ttf", "Theirs");
+    Register(ours);
+    AddByProgram(theirs);
+    AddByProgram(WriteFont("3.ttf", "Last"));
+    std::filesystem::remove(theirs);
+    Withdraw(ours);
+    EXPECT_THAT(ApplicationFonts(), ElementsAre("Theirs", "Last"));
+}
+
+TEST_F(RegisteredFiles, LeaveAFontThatTheProgramPutIntoTheSetByHand) {
+    const std::string ours = WriteFont("1.ttf", "Ours");
+    Register(ours);
+    AddByHand("Made");
+    AddByHand("OfTheSameFile", ours);
+    Withdraw(ours);
+    EXPECT_THAT(ApplicationFonts(), ElementsAre("Made", "OfTheSameFile"));
+}
+
+// The files in a folder that this process, or any, opens from now on.
+class OpenedFiles {
+public:
+    explicit OpenedFiles(const std::string &folder) : events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        if (inotify_add_watch(events_, folder.c_str(), IN_OPEN) < 0) ADD_FAILURE() << "nothing is seen";
+    }
+    ~OpenedFiles() { close(events_); }
+    OpenedFiles(const OpenedFiles &) = delete;
+    OpenedFiles &operator=(const OpenedFiles &) = delete;
+
+    // Whether one was opened since this was last asked.
+    bool Any() const {
+        char events[4096];
+        bool any = false;
+        while (read(events_, events, sizeof events) > 0) any = true;
+        return any;
+    }
+
+private:
+    const int events_;
+};
+
+TEST_F(RegisteredFiles, AreWithdrawnOneByOneWithoutOpeningTheOthers) {
+    constexpr size_t kFiles = 300;
+    Names files, names;
+    for (size_t i = 0; i < kFiles; ++i) {
+        names.push_back("Font" + std::to_string(i));
+        files.push_back(WriteFont(names.back() + ".ttf", names.back()));
+    }
+    const OpenedFiles opened(fonts_.Path());
+    Register(files.front());
+    EXPECT_TRUE(opened.Any()); // it is seen when there is something to be seen
+    for (const std::string &file : files) Register(file);
+    EXPECT_EQ(ApplicationFonts(), names);
+    EXPECT_TRUE(opened.Any());
+    while (!files.empty()) {
+        Withdraw(files.front());
+        files.erase(files.begin());
+        names.erase(names.begin());
+        ASSERT_FALSE(opened.Any()) << files.size() << " are left";
+        ASSERT_EQ(ApplicationFonts(), names);
+    }
 }
 
 TEST_F(RegisteredFiles, ThatTheProgramHasAddedAreNotListedTwiceAndStayItsOwn) {

@@ -124,8 +124,31 @@ std::string LegacyTest::ReadText(const std::string &path) {
     return text.str();
 }
 
+std::string LegacyTest::MatchFamily(const char *family) {
+    FcPattern *pattern = FcPatternCreate();
+    FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8 *>(family));
+    FcConfigSubstitute(nullptr, pattern, FcMatchPattern);
+    FcDefaultSubstitute(pattern);
+    FcResult result = FcResultNoMatch;
+    FcPattern *match = FcFontMatch(nullptr, pattern, &result);
+    FcChar8 *name = nullptr;
+    std::string found;
+    if (match && FcPatternGetString(match, FC_POSTSCRIPT_NAME, 0, &name) == FcResultMatch)
+        found = reinterpret_cast<const char *>(name);
+    if (match) FcPatternDestroy(match);
+    FcPatternDestroy(pattern);
+    return found;
+}
+
 void LegacyTest::AddByProgram(const std::string &path) {
     FcConfigAppFontAddFile(FcConfigGetCurrent(), reinterpret_cast<const FcChar8 *>(path.c_str()));
+}
+
+void LegacyTest::AddByHand(const std::string &name, const std::string &path) {
+    FcPattern *font = FcPatternCreate();
+    FcPatternAddString(font, FC_POSTSCRIPT_NAME, reinterpret_cast<const FcChar8 *>(name.c_str()));
+    if (!path.empty()) FcPatternAddString(font, FC_FILE, reinterpret_cast<const FcChar8 *>(path.c_str()));
+    FcFontSetAdd(FcConfigGetFonts(FcConfigGetCurrent(), FcSetApplication), font);
 }
 
 } // namespace vellum::test

@@ -61,6 +61,9 @@ protected:
     static Names Fonts();
     static Names ApplicationFonts();
 
+    // What fontconfig takes for a family, by its usual way of matching.
+    static std::string MatchFamily(const char *family);
+
     // What another program finds that begins now, sorted.
     static Names FontsElsewhere();
 
@@ -70,6 +73,9 @@ protected:
 
     static std::string ReadText(const std::string &path);
     static void AddByProgram(const std::string &path);
+
+    // As a program does that makes fonts without files. There is an application font already.
+    static void AddByHand(const std::string &name, const std::string &path = "");
 
     const TempDir home_;
     const TempDir system_;

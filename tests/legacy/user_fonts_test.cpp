@@ -36,7 +36,57 @@ TEST_F(UserFonts, StayRegisteredForOthersWhenThisProcessWithdrawsThemForItself) 
     const std::string path = WriteFont("a.ttf", "Ours");
     Register(path, kVLScopeUser);
     Withdraw(path, kVLScopeProcess);
+    EXPECT_THAT(Fonts(), ElementsAre("Ours"));
     EXPECT_THAT(FontsElsewhere(), ElementsAre("Ours"));
+}
+
+TEST_F(UserFonts, AreLinkedWhenFontconfigCanReadThemAndNotElse) {
+    const std::string text = fonts_.Write("text.ttf", "no font");
+    Register(text, kVLScopeUser);
+    EXPECT_FALSE(std::filesystem::exists(home_.File("data/vellum/registered-fonts")));
+    EXPECT_FALSE(std::filesystem::exists(ConfigFile("fontconfig/conf.d/50-vellum.conf")));
+    WriteFont("text.ttf", "Ours");
+    Register(text, kVLScopeUser);
+    EXPECT_THAT(FontsElsewhere(), ElementsAre("Ours"));
+}
+
+// As the library does with what the shared register refuses.
+TEST_F(UserFonts, LeaveNothingBehindWhenTheyAreTakenBack) {
+    const std::string refused = WriteFont("a.ttf", "Refused");
+    const std::string kept = WriteFont("b.ttf", "Kept");
+    Register(kept, kVLScopeUser);
+    Register(refused, kVLScopeUser);
+    Withdraw(refused, kVLScopeUser);
+    EXPECT_THAT(Fonts(), ElementsAre("Kept"));
+    EXPECT_THAT(FontsElsewhere(), ElementsAre("Kept"));
+    Withdraw(kept, kVLScopeUser);
+    EXPECT_TRUE(std::filesystem::is_empty(home_.File("data/vellum/registered-fonts")));
+    EXPECT_TRUE(std::filesystem::is_empty(ConfigFile("fontconfig/conf.d")));
+}
+
+TEST_F(UserFonts, LeaveALinkThatSomebodyLaidForTheConfiguration) {
+    const std::string path = WriteFont("a.ttf", "Ours");
+    const std::string real = home_.Write("elsewhere/fonts.conf", "");
+    home_.MakeFolder("config/fontconfig/conf.d");
+    const std::string link = ConfigFile("fontconfig/conf.d/50-vellum.conf");
+    std::filesystem::create_symlink(real, link);
+    Register(path, kVLScopeUser);
+    EXPECT_THAT(FontsElsewhere(), ElementsAre("Ours"));
+    Withdraw(path, kVLScopeUser);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_THAT(FontsElsewhere(), IsEmpty());
+}
+
+TEST_F(UserFonts, LeaveTheConfigurationAsLongAsOtherFontsAreDisabled) {
+    const std::string path = WriteFont("a.ttf", "Ours");
+    const std::string system = WriteSystemFont("b.ttf", "System");
+    Register(path, kVLScopeUser);
+    Disable(system, kVLScopeUser);
+    Withdraw(path, kVLScopeUser);
+    EXPECT_THAT(FontsElsewhere(), IsEmpty());
+    Enable(system, kVLScopeUser);
+    EXPECT_THAT(FontsElsewhere(), ElementsAre("System"));
+    EXPECT_TRUE(std::filesystem::is_empty(ConfigFile("fontconfig/conf.d")));
 }
 
 TEST_F(UserFonts, AreListedOnceInAConfigurationThatIsReadAnew) {
