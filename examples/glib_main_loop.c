@@ -13,6 +13,7 @@
 
 #include <glib.h>
 #include <stdio.h>
+#include <string.h>
 
 typedef struct {
     GMainLoop *loop;
@@ -35,26 +36,47 @@ static void FontsChanged(void *center, void *observer, const ValString *name, co
         g_main_loop_quit(program->loop);
 }
 
+/* Names of files are bytes, and need not be text. Null when memory is exhausted. */
+static const ValURL *FileURL(const char *path) {
+    const ValString *bytes = ValStringCreateWithFileSystemRepresentation(path, strlen(path));
+    const ValURL *url = ValURLCreateWithFileSystemPath(bytes, false, NULL);
+    ValRelease(bytes);
+    return url;
+}
+
 static const ValArray *FilesOf(int count, char **paths) {
     ValArray *files = ValArrayCreateMutable(0, &kValValueCallbacks);
     for (int i = 0; i < count; ++i) {
-        const ValString *path = ValStringCreateWithCString(paths[i]);
-        const ValURL *url = ValURLCreateWithFileSystemPath(path, false, NULL);
-        ValArrayAppend(files, url);
+        const ValURL *url = FileURL(paths[i]);
+        if (url) ValArrayAppend(files, url);
         ValRelease(url);
-        ValRelease(path);
     }
     return files;
 }
 
-int main(int count, char **arguments) {
-    Program program = {g_main_loop_new(NULL, FALSE), FilesOf(count - 1, arguments + 1)};
-    VLAddFontsChangedObserver(&program, FontsChanged);
-    const bool registered = VLRegisterFonts(program.files, 0, kVLScopeProcess, NULL);
+/* True when all of them were: of anything less the program would wait for what never comes. */
+static bool Register(const ValArray *files, int count) {
+    const bool all = ValArrayGetCount(files) == (size_t)count;
+    return all && VLRegisterFonts(files, 0, kVLScopeProcess, NULL);
+}
+
+static bool HearOfFiles(Program *program, int count) {
+    if (!VLAddFontsChangedObserver(program, FontsChanged)) return false;
+    const bool registered = Register(program->files, count);
     puts(registered ? "registered" : "not all could be registered");
-    if (registered) g_main_loop_run(program.loop);
-    VLRemoveFontsChangedObserver(&program);
+    if (registered) g_main_loop_run(program->loop);
+    VLRemoveFontsChangedObserver(program);
+    return registered;
+}
+
+int main(int count, char **arguments) {
+    if (count < 2) {
+        fprintf(stderr, "usage: %s FONT...\n", count > 0 ? arguments[0] : "glib_main_loop");
+        return 2;
+    }
+    Program program = {g_main_loop_new(NULL, FALSE), FilesOf(count - 1, arguments + 1)};
+    const bool heard = HearOfFiles(&program, count - 1);
     ValRelease(program.files);
     g_main_loop_unref(program.loop);
-    return registered ? 0 : 1;
+    return heard ? 0 : 1;
 }

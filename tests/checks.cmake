@@ -65,6 +65,16 @@ foreach(verb inspect coverage fontinfo list match text change monitor)
     vellum_add_check(tools.${verb} tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)
 endforeach()
+# What a run of the tool alone cannot show, with the tool's own sources and the library's public functions.
+if(NOT VELLUM_SANITIZE STREQUAL "thread")
+    add_executable(tool_tests tools/change_lines_test.cpp support/font_builder.cpp support/name_records.cpp
+        support/named_font.cpp support/sfnt_tables.cpp support/temp_dir.cpp
+        ${PROJECT_SOURCE_DIR}/src/tools/change_lines.cpp ${PROJECT_SOURCE_DIR}/src/tools/text.cpp)
+    target_include_directories(tool_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(tool_tests PRIVATE vellum vellum_options nlohmann_json::nlohmann_json
+        PkgConfig::HARFBUZZ GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(tool_tests NO_PRETTY_VALUES PROPERTIES TIMEOUT 120 DISCOVERY_TIMEOUT 60)
+endif()
 vellum_add_check(examples examples
     ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool> EXAMPLES=$<TARGET_FILE_DIR:example_own_loop>
     COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/examples/test_examples.py)

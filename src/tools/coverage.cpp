@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/coverage.hpp"
 
+#include "tools/arguments.hpp"
 #include "tools/file_faces.hpp"
 #include "tools/lines.hpp"
 
@@ -214,7 +215,9 @@ void AddCoverage(CLI::App &app, int &result) {
     auto options = std::make_shared<Options>();
     CLI::App *verb =
         app.add_subcommand("coverage", "Show which languages fonts can write, and what they lack.");
-    verb->add_option("FONT", options->paths, "font files, or folders to look through")->required();
+    verb->add_option("FONT", options->paths, "font files, or folders to look through")
+        ->required()
+        ->check(IsPath());
     verb->add_option("--lang", options->language, "only this language: ja, zh-Hant, sr-Latn")
         ->type_name("L");
     verb->add_flag("--missing", options->missing, "list the characters that are lacking");

@@ -46,6 +46,22 @@ std::vector<std::string> FontFilesBelow(const fs::path &folder, std::error_code 
     return found;
 }
 
+// An absolute path without "." and "..". Above a link lies the folder that its target is in, not the one in
+// which the link stands; no other link is followed, so that a file keeps the path that it was named by.
+fs::path WithoutDots(const fs::path &absolute) {
+    fs::path path;
+    for (const fs::path &part : absolute) {
+        if (part == "..") {
+            std::error_code error;
+            const fs::path real = fs::is_symlink(path, error) ? fs::canonical(path, error) : path;
+            path = (error ? path : real).parent_path();
+        } else if (!part.empty() && part != ".") {
+            path /= part;
+        }
+    }
+    return path;
+}
+
 const char *WhatItIs(const fs::file_status &status) {
     switch (status.type()) {
     case fs::file_type::directory:
@@ -83,6 +99,18 @@ public:
         files_.refusals.push_back({.path = path, .reason = std::move(reason)});
     }
 
+    void AddNamed(const std::string &named, const fs::path &absolute, Gone gone) {
+        std::error_code error;
+        const auto type = fs::status(absolute, error).type();
+        const std::string path = WithoutDots(absolute).native();
+        if (type == fs::file_type::directory)
+            AddFolder(path);
+        else if (type != fs::file_type::not_found || (gone == Gone::kKept && !fs::exists(path, error)))
+            Add(path);
+        else
+            Refuse(named, "there is no such file");
+    }
+
     FontFiles Take() { return std::move(files_); }
 
 private:
@@ -92,18 +120,15 @@ private:
 
 } // namespace
 
-FontFiles FindFontFiles(const std::vector<std::string> &paths) {
+FontFiles FindFontFiles(const std::vector<std::string> &paths, Gone gone) {
     Collector collector;
     for (const std::string &named : paths) {
-        const std::string path = fs::absolute(named).lexically_normal().native();
         std::error_code error;
-        const auto status = fs::status(path, error);
-        if (status.type() == fs::file_type::not_found)
-            collector.Refuse(named, "there is no such file");
-        else if (status.type() == fs::file_type::directory)
-            collector.AddFolder(path);
+        const fs::path absolute = fs::absolute(named, error);
+        if (error)
+            collector.Refuse(named, "the folder that it is in is not known: " + error.message());
         else
-            collector.Add(path);
+            collector.AddNamed(named, absolute, gone);
     }
     return collector.Take();
 }
@@ -112,7 +137,7 @@ Refusal ExplainRefusal(const std::string &path) {
     const auto no_font = [&](const char *reason) { return Refusal{path, reason, true, false}; };
     std::error_code error;
     const auto status = fs::status(path, error);
-    if (status.type() == fs::file_type::not_found) return {path, "there is no such file any more"};
+    if (status.type() == fs::file_type::not_found) return {path, "there is no such file"};
     if (error) return {path, error.message(), false, error == std::errc::permission_denied};
     if (const char *what = WhatItIs(status)) return no_font(what);
     if (::access(path.c_str(), R_OK) != 0) return {path, std::strerror(errno), false, true};

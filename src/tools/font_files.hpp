@@ -19,9 +19,12 @@ struct FontFiles {
     std::vector<Refusal> refusals;  // what was named and leads to no file
 };
 
+// What becomes of a path that leads to nothing. A register may still have a file that is gone.
+enum class Gone { kRefused, kKept };
+
 // Files stand for themselves, whatever they are; folders for every file beneath them that looks
 // like a font, by content or by name, in the order of their names.
-FontFiles FindFontFiles(const std::vector<std::string> &paths);
+FontFiles FindFontFiles(const std::vector<std::string> &paths, Gone gone = Gone::kRefused);
 
 // Why a file that the register refused is refused.
 Refusal ExplainRefusal(const std::string &path);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/font_set.hpp"
 
+#include "tools/arguments.hpp"
 #include "tools/file_faces.hpp"
 #include "tools/text.hpp"
 
@@ -37,6 +38,7 @@ Json OrNull(const std::string &name) {
 void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths) {
     verb.add_option("--in", paths, "only the fonts of these files and folders, not the machine's")
         ->type_name("PATH")
+        ->check(IsPath())
         ->allow_extra_args(false);
 }
 

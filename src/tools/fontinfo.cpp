@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/fontinfo.hpp"
 
+#include "tools/arguments.hpp"
 #include "tools/file_faces.hpp"
 #include "tools/progress.hpp"
 
@@ -149,11 +150,14 @@ void AddFontInfo(CLI::App &app, int &result) {
     verb->require_subcommand(1);
     auto options = std::make_shared<Options>();
     CLI::App *build = verb->add_subcommand("build", "Derive all properties of fonts and write them down.");
-    build->add_option("DIR", options->paths, "font files, or folders to look through")->required();
+    build->add_option("DIR", options->paths, "font files, or folders to look through")
+        ->required()
+        ->check(IsPath());
     build
         ->add_option("-o,--output", options->folder,
                      "the folder for the font-info files; made when missing")
         ->required()
+        ->check(IsPath())
         ->type_name("OUT");
     build->add_flag("--dry-run", options->dry_run, "only say what would be written");
     build->footer(

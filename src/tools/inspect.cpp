@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/inspect.hpp"
 
+#include "tools/arguments.hpp"
 #include "tools/face.hpp"
 #include "tools/file_faces.hpp"
 
@@ -72,7 +73,9 @@ int Inspect(const Options &options) {
 void AddInspect(CLI::App &app, int &result) {
     auto options = std::make_shared<Options>();
     CLI::App *verb = app.add_subcommand("inspect", "Show what font files hold, face by face.");
-    verb->add_option("PATH", options->paths, "font files, or folders to look through")->required();
+    verb->add_option("PATH", options->paths, "font files, or folders to look through")
+        ->required()
+        ->check(IsPath());
     auto *json = verb->add_flag("--json", options->json, "one JSON document");
     verb->add_flag("--jsonl", options->jsonl, "one JSON object a face and line")->excludes(json);
     verb->add_option("--property", options->property,

@@ -9,6 +9,7 @@
 #include "tools/match.hpp"
 #include "tools/monitor.hpp"
 #include "tools/runs.hpp"
+#include "tools/server.hpp"
 #include "tools/text.hpp"
 
 #include <CLI/CLI.hpp>
@@ -56,6 +57,7 @@ int Run(int count, char **arguments) {
     AddChanges(app, result);
     AddMonitor(app, result);
 
+    DoWithoutServerWhereThereIsNone();
     if (const int misuse = Parse(app, count, arguments)) return misuse;
     if (!std::cout.flush()) {
         std::cerr << "vellum: the result could not be written\n";

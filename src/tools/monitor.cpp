@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tools/monitor.hpp"
 
+#include "tools/arguments.hpp"
+#include "tools/change_lines.hpp"
 #include "tools/font_set.hpp"
 #include "tools/server.hpp"
-#include "tools/text.hpp"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -27,72 +29,72 @@ struct Options {
     bool jsonl = false;
 };
 
-// Writes a line for each font that came or went, and how many there were.
+// What the waiting ended with.
+enum class Event { kNews, kNoNews, kNobodyReads };
+
+// The longest wait that the system takes at once; what is longer is waited for in pieces.
+constexpr double kLongestWait = 1 << 30; // milliseconds
+
+Event WaitForNews(int descriptor, int milliseconds) {
+    constexpr short kGone = POLLERR | POLLHUP | POLLNVAL;
+    pollfd entries[] = {{descriptor, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    const int ready = ::poll(entries, std::size(entries), milliseconds);
+    if (ready > 0 && (entries[1].revents & kGone)) return Event::kNobodyReads;
+    return ready == 0 ? Event::kNoNews : Event::kNews;
+}
+
+// Shows what is heard until it is enough, the time is over, or nothing more can come.
 class Monitor {
 public:
-    explicit Monitor(const Options &options) : options_(options) { VLAddFontsChangedObserver(this, Hear); }
-    ~Monitor() { VLRemoveFontsChangedObserver(this); }
-    Monitor(const Monitor &) = delete;
-    Monitor &operator=(const Monitor &) = delete;
+    explicit Monitor(const Options &options)
+        : options_(options),
+          lines_(std::cout, options.jsonl ? ChangeLines::Form::kJson : ChangeLines::Form::kText,
+                 options.count) {}
 
-    bool HasEnough() const { return options_.count != 0 && shown_ >= options_.count; }
+    // Without a server only the fonts of this run are heard of.
+    int Run(int descriptor, bool is_alone) {
+        const FontSet fonts(options_.in, 0);
+        while (true) {
+            VLDeliverNotifications();
+            if (lines_.HasEnough() || !std::cout) return fonts.Found();
+            if (TimeLeft() == 0) return kTimeOut;
+            const bool is_last = is_alone && IsAllThatComes();
+            const Event event = WaitForNews(descriptor, is_last ? 0 : TimeLeft());
+            if (event == Event::kNobodyReads) return fonts.Found();
+            if (event == Event::kNoNews && is_last)
+                return lines_.Count() == 0 ? fonts.NotFound() : kNoServer;
+        }
+    }
 
 private:
-    static void Hear(void *, void *observer, const ValString *, const void *,
-                     const ValDictionary *user_info) noexcept {
-        try {
-            static_cast<Monitor *>(observer)->Show(user_info);
-        } catch (...) { // memory is exhausted, or nobody reads: the next change may be shown
-        }
-    }
+    // Of a run alone: a time-out says how long is waited all the same, unless there is no font at all.
+    bool IsAllThatComes() const { return options_.timeout == 0 || lines_.Count() == 0; }
 
-    void Show(const ValDictionary *user_info) {
-        Show("removed", ArrayAt(user_info, kAvailableFontURLsRemovedKey));
-        Show("added", ArrayAt(user_info, kAvailableFontURLsAddedKey));
-        std::cout.flush();
-    }
-
-    void Show(const char *change, const ValArray *fonts) {
-        for (size_t i = 0; i < ValArrayGetCount(fonts) && !HasEnough(); ++i, ++shown_) {
-            const std::string url = Bytes(static_cast<const ValString *>(ValArrayGetValue(fonts, i)));
-            if (options_.jsonl)
-                std::cout << Dump({{"change", change}, {"url", url}}, -1) << '\n';
-            else
-                std::cout << change << "  " << Printable(url) << '\n';
-        }
+    // In milliseconds, as poll wants it: negative for all eternity.
+    int TimeLeft() const {
+        if (options_.timeout == 0) return -1;
+        const std::chrono::duration<double, std::milli> passed = Clock::now() - begin_;
+        const double left = options_.timeout * 1000 - passed.count();
+        return left <= 0 ? 0 : static_cast<int>(std::min(left + 1, kLongestWait));
     }
 
     const Options &options_;
-    size_t shown_ = 0;
+    const Clock::time_point begin_ = Clock::now();
+    ChangeLines lines_;
 };
 
-// Waits for the next notification; false when the time is over.
-bool Wait(int descriptor, const Options &options, Clock::time_point begin) {
-    int left = -1;
-    if (options.timeout > 0) {
-        const auto end = begin + std::chrono::duration<double>(options.timeout);
-        const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
-        if (rest.count() <= 0) return false;
-        left = static_cast<int>(std::min<std::chrono::milliseconds::rep>(rest.count() + 1, 1 << 30));
-    }
-    pollfd entry{descriptor, POLLIN, 0};
-    return ::poll(&entry, 1, left) != 0;
-}
-
 int Run(const Options &options) {
-    Monitor monitor(options);
     const int descriptor = VLGetNotificationDescriptor();
-    if (!ServerRuns()) {
-        ReportNoServer("what other programs change is not heard");
-        if (options.in.empty()) return kNoServer;
+    if (descriptor < 0) {
+        std::cerr << "vellum: changes cannot be heard, for no more files can be opened; "
+                     "try a higher limit (ulimit -n)\n";
+        return kNothingFound;
     }
-    const FontSet fonts(options.in, 0);
-    const auto begin = Clock::now();
-    while (!monitor.HasEnough() && std::cout) {
-        if (!Wait(descriptor, options, begin)) return kTimeOut;
-        VLDeliverNotifications();
-    }
-    return fonts.Found();
+    Monitor monitor(options);
+    const bool is_alone = !ServerRuns();
+    if (is_alone) ReportNoServer("what other programs change is not heard");
+    if (is_alone && options.in.empty()) return kNoServer;
+    return monitor.Run(descriptor, is_alone);
 }
 
 } // namespace
@@ -102,16 +104,23 @@ void AddMonitor(CLI::App &app, int &result) {
     CLI::App *verb = app.add_subcommand("monitor", "Show which fonts come and go, as it happens.");
     verb->add_option("--in", options->in, "register these files and folders for this run first")
         ->type_name("PATH")
+        ->check(IsPath())
         ->allow_extra_args(false);
-    verb->add_option("--count", options->count, "end after so many fonts")->type_name("N");
+    verb->add_option("--count", options->count, "end after so many fonts")
+        ->type_name("N")
+        ->check(IsCount());
     verb->add_option("--timeout", options->timeout, "end after so many seconds")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
+        ->check(IsDuration());
     verb->add_flag("--jsonl", options->jsonl, "one JSON object a font and line");
     verb->footer(
-        "Without --count and --timeout it runs until it is interrupted.\n\n"
-        "Exit codes: 0 so many fonts were shown; 1 some files of --in were refused; 2 wrong usage;\n"
-        "3 a font server is needed and none runs; 6 the time is over.\n\nExample:\n"
+        "Without --count and --timeout it runs until it is interrupted, or nobody reads any more. Where "
+        "no\n"
+        "font server runs, only the fonts of --in are heard of: it ends when they were shown, or with\n"
+        "--timeout when the time is over.\n\n"
+        "Exit codes: 0 so many fonts were shown, or nobody reads any more; 1 some files of --in were\n"
+        "refused, or none was found; 2 wrong usage; 3 a font server is needed and none runs; 4 a file of\n"
+        "--in may not be read; 5 none of --in is a font; 6 the time is over.\n\nExample:\n"
         "  vellum monitor --jsonl\n");
     verb->callback([options, &result] { result = Run(*options); });
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/server.hpp"
 
+#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <vector>
@@ -28,10 +29,13 @@ VLScope ScopeOf(const std::string &name) {
     return kScopes.at(name);
 }
 
-// A register of this process takes nothing for the user, not even no files.
 bool ServerRuns() {
-    const auto nothing = Adopt(ValArrayCreate(nullptr, 0));
-    return VLRegisterFonts(nothing.Get(), 0, kVLScopeUser | kVLScopeLegacyTold, nullptr);
+    static const bool runs = VLFontServerAnswers(); // one answer for the whole run
+    return runs;
+}
+
+void DoWithoutServerWhereThereIsNone() {
+    if (!ServerRuns()) ::setenv("VELLUM_IGNORE_SERVER", "1", 1);
 }
 
 void ReportNoServer(const std::string &advice) {

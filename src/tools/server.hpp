@@ -15,8 +15,13 @@ void AddScopeOption(CLI::App &verb, std::string &scope);
 // The word for one of the option's values.
 VLScope ScopeOf(const std::string &name);
 
-// Whether changes of the shared register would last: without a font server it is one of this process.
+// Whether a font server answered when this run began. Without one, changes of the shared register last for
+// this run alone.
 bool ServerRuns();
+
+// Has the shared register be this process's own, with the machine's fonts, where no server holds it: nobody
+// waits for one that is not there. Before the register is asked.
+void DoWithoutServerWhereThereIsNone();
 
 // Says on standard error that there is no server, and what to try.
 void ReportNoServer(const std::string &advice);

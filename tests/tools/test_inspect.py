@@ -64,6 +64,23 @@ class Help(InspectCase):
         self.assert_usage_error("inspect")
         self.assert_usage_error("inspect", "--json")
 
+    def test_an_empty_path_is_a_usage_error_of_every_verb(self):
+        path = str(self.font())
+        for arguments in (("inspect", path, ""), ("coverage", path, ""), ("list", "--in", ""),
+                          ("match", "--in", "", "bold"), ("text", "--in", "", "A"),
+                          ("fontinfo", "build", "", "-o", "out"), ("fontinfo", "build", path, "-o", "")):
+            with self.subTest(arguments=arguments):
+                self.assert_usage_error(*arguments, named=b"an empty text is no path")
+
+    def test_a_folder_above_a_link_is_that_of_its_target(self):
+        self.font("x.ttf", "Beside the link")
+        self.font("x.ttf", "Beside the target", folder=self.folder / "real")
+        (self.folder / "real/sub").mkdir()
+        (self.folder / "link").symlink_to("real/sub")
+        face, = self.document(f"{self.folder}/link/../x.ttf")["faces"]
+        self.assertEqual((face["path"], face["familyName"]),
+                         (f"{self.folder}/real/x.ttf", "Beside the target"))
+
     def test_an_unknown_option_is_a_usage_error(self):
         self.assert_usage_error("inspect", "--frobnicate", str(self.font()), named=b"--frobnicate")
 
