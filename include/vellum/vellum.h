@@ -4,7 +4,9 @@
  *
  * Rules that hold for every function here, besides those of values.h:
  *
- *  1. Threads. Any thread may call any function at any time.
+ *  1. Threads. Any thread may call any function at any time. Where the legacy font service keeps another
+ *     library in step (see vellum/fount.h), a change reaches into that library as well, and the program's
+ * own threads in there are its affair; kVLScopeLegacyTold leaves the service out.
  *  2. Failure. Queries answer null for "nothing", for bad arguments and for failure alike; changes
  *     answer false. Nothing is thrown, nothing is printed, the process is never ended.
  *  3. Ownership. What a Copy or Create function returns is the caller's, to be given back with
@@ -270,10 +272,13 @@ VL_EXPORT void VLRemovePropertiesForFonts(const ValArray *fonts, const ValSet *k
 
 /*
  * Registers font files (file URLs), each whole, every face of it: with the shared register when the
- * scope has kVLScopeUser or kVLScopeSession, else with the process's own. True when all of them were
- * registered. The URLs that were not are handed out as *errors, an array that the caller owns, null
- * when all went well; `errors` may be null. A file is refused when it is registered already, when it
- * is no font or cannot be read. The others are registered all the same.
+ * scope has kVLScopeUser or kVLScopeSession, else with the process's own; never with both. URLs that are no
+ * file's are passed over. True when all the others were registered. Those that were not are handed out as
+ * *errors, an array that the caller owns, of absolute URLs without fragments; `errors` may be null. It is
+ * null when all went well, and when the register refused the change as a whole, as the shared one does
+ * without a font server; all of them are handed back when the scope names no register. A file is refused
+ * when it is registered already, when it is no font or cannot be read. The others are registered all the
+ * same.
  */
 VL_EXPORT bool VLRegisterFonts(const ValArray *urls, VLFontFlags flags, VLScope scope,
                                const ValArray **errors) VL_NOEXCEPT;
@@ -284,7 +289,10 @@ VL_EXPORT bool VLUnregisterFonts(const ValArray *urls, uint32_t reserved, VLScop
                                  const ValArray **errors) VL_NOEXCEPT;
 VL_EXPORT bool VLUnregisterFont(const ValURL *url, uint32_t reserved, VLScope scope) VL_NOEXCEPT;
 
-/* Hides fonts from every query and brings them back; a URL's fragment picks one face of a file. */
+/*
+ * Brings fonts back, and hides them from every query, in each register that the scope names; a URL's
+ * fragment picks one face of a file.
+ */
 VL_EXPORT void VLEnableFonts(const ValArray *urls, VLFontFlags flags, VLScope scope) VL_NOEXCEPT;
 VL_EXPORT void VLDisableFonts(const ValArray *urls, VLFontFlags flags, VLScope scope) VL_NOEXCEPT;
 
@@ -359,7 +367,8 @@ VL_EXPORT extern const ValString *const kVLFontsChangedDistributedNotification;
 
 /*
  * The user info of a notification has one of these keys, with an array of ValStrings: the URLs of the faces
- * that became available or went away, as texts.
+ * that became available or went away, as texts. An array without any means that more changed than is told,
+ * because nobody listened for too long: ask for the fonts again.
  */
 VL_EXPORT extern const ValString *const kAvailableFontURLsAddedKey;
 VL_EXPORT extern const ValString *const kAvailableFontURLsRemovedKey;
@@ -367,7 +376,10 @@ VL_EXPORT extern const ValString *const kAvailableFontURLsRemovedKey;
 /*
  * Called on the main run loop with a change of the available fonts, before the process's own
  * notification goes out: centre, observer and object are null, the name is
- * "LDFontManagerFontChangedNotification", the user info says which fonts came or went.
+ * "LDFontManagerFontChangedNotification", the user info says which fonts came or went; it is borrowed for
+ * the call. The callback may call the library. An exception must not leave it: that ends the process. Of
+ * changes that nobody takes, 4,096 are kept one by one; what comes then is joined by font, what went before
+ * what came.
  */
 typedef void (*VLFontsChangedCallback)(void *center, void *observer, const ValString *name,
                                        const void *object, const ValDictionary *userInfo);
@@ -395,9 +407,21 @@ VL_EXPORT void VLRemoveFontsChangedObserver(void *observer) VL_NOEXCEPT;
  * and then calls VLDeliverNotifications, always on the same thread; what is posted meanwhile makes the
  * descriptor readable again. The descriptor belongs to the library and stays the same; -1 when there is
  * none to be had. A program that does neither never hears of a change.
+ *
+ * A process that is forked hears of its own changes alone. It asks for its descriptor before it waits for
+ * the first time: the number is its parent's, what is behind it is not.
  */
 VL_EXPORT int VLGetNotificationDescriptor(void) VL_NOEXCEPT;
 VL_EXPORT void VLDeliverNotifications(void) VL_NOEXCEPT;
+
+/* ---- the font server ------------------------------------------------------------------------- */
+
+/*
+ * Whether a font server answers this user now. Nothing else is asked or made: a program that does without
+ * the shared register where there is none looks here first, and sets VELLUM_IGNORE_SERVER before it asks
+ * for fonts.
+ */
+VL_EXPORT bool VLFontServerAnswers(void) VL_NOEXCEPT;
 
 /* ---- fonts on demand ------------------------------------------------------------------------- */
 

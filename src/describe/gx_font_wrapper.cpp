@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "describe/gx_font_wrapper.hpp"
 
+#include "platform/process/passing_failures.hpp"
 #include "values/val_array.hpp"
 #include "values/val_str.hpp"
 #include "values/val_url.hpp"
@@ -70,7 +71,10 @@ TGxFont::TGxFont(const ValURL *url, bool known_in_memory) {
 
 Ref<const ValURL> TGxFont::CopyURL() {
     if (!in_memory_) {
-        if (auto url = GxFontCopyURL(font_.Get())) return url;
+        const uint32_t failures = tPassingFailures;
+        auto url = GxFontCopyURL(font_.Get());
+        // A font of a file whose URL is not to be had for want of memory is none in memory.
+        if (url || failures != tPassingFailures) return url;
     }
     const auto name = GxFontCopyPostScriptName(font_.Get());
     if (!name) return nullptr;

@@ -3,6 +3,7 @@
 
 #include "platform/font/type_identifier.hpp"
 #include "platform/fs/directory.hpp"
+#include "platform/fs/file_properties.hpp"
 #include "platform/fs/folder.hpp"
 #include "platform/val/static_string.hpp"
 #include "values/val_array.hpp"
@@ -50,7 +51,9 @@ void RegisterApplicationFonts(const TGlypharyProtocol &registry, const MainBundl
     if (resources.empty()) return;
     const std::string path = resources + "/" + std::string(name);
     if (path.size() >= kLongestPath) return;
-    if (LeadsToFolder(path.c_str()))
+    const auto properties = ReadFileProperties(path);
+    if (!properties) return; // who is told of registrations need not hear of what is not there
+    if (properties->kind == TFileKind::kFolder)
         RegisterFontsForDirectory(registry, path);
     else if (const TValURL url = TValURL::FromPath(path))
         registry.RegisterFont(url.Get(), nullptr, 0, kVLScopeProcess);

@@ -20,41 +20,57 @@ bool FitsFragment(const GxFont *font, const ValString *fragment) {
     return !fragment || TClientFontEntity(Retain(font)).MatchesFragment(fragment);
 }
 
+// Moves the faces under a URL that fit its fragment by move(reference, font). One for which memory does not
+// suffice stays where it was, whole, and the others move. False when there was none at all, or none moved
+// because of that: who is told false may take it that nothing changed.
+template <class Move>
+bool MoveFaces(const std::vector<FontReference> &references, const FontTable &from, const ValURL *url,
+               Move move) {
+    const auto fragment = FaceFragment(url);
+    bool has_moved = false, has_failed = false;
+    for (const FontReference reference : references) {
+        try {
+            const auto font = Retain(from.Find(reference));
+            if (!font || !FitsFragment(font.Get(), fragment.Get())) continue;
+            move(reference, font.Get());
+            has_moved = true;
+            TGenerationSeed::UpdateGeneration();
+        } catch (...) {
+            has_failed = true;
+        }
+    }
+    return !references.empty() && (has_moved || !has_failed);
+}
+
 } // namespace
 
 std::vector<FontReference> TLocalGlypharyImp::ReferencesForURL(uint16_t index, const ValURL *url) const {
     return ReferencesIn(GetIndex(index)->CopyFontsForKey(url).Get());
 }
 
+// All that may fail comes before the face leaves the table in which it is. What index 5 then holds of a
+// face that did not move does no harm: it begins with enabled faces, too.
 bool TLocalGlypharyImp::DisableFont(const ValURL *url, VLScope) const {
-    GetIndex(kDisabledPathIndex); // made, and filled from what is enabled, before anything moves
-    const auto references = ReferencesForURL(kPathIndex, url);
-    const auto fragment = FaceFragment(url);
-    for (const FontReference reference : references) {
-        const auto font = Retain(enabled_.Find(reference));
-        if (!font || !FitsFragment(font.Get(), fragment.Get())) continue;
-        disabled_.Add(reference, font.Get());
-        enabled_.Remove(reference);
-        RemoveFontFromIndexes(reference, font.Get());
-        AddFontToIndex(*GetIndex(kDisabledPathIndex), reference, font.Get());
-        TGenerationSeed::UpdateGeneration();
-    }
-    return !references.empty();
+    // Made, and filled from what is enabled, before anything moves.
+    TFontIndex &disabled_paths = *GetIndex(kDisabledPathIndex);
+    return MoveFaces(ReferencesForURL(kPathIndex, url), enabled_, url,
+                     [&](FontReference reference, const GxFont *font) {
+                         RemoveFontFromIndex(disabled_paths, reference, font);
+                         AddFontToIndex(disabled_paths, reference, font);
+                         disabled_.Add(reference, font);
+                         enabled_.Remove(reference);
+                         RemoveFontFromIndexes(reference, font);
+                     });
 }
 
 bool TLocalGlypharyImp::EnableFont(const ValURL *url, VLScope) const {
-    const auto references = ReferencesForURL(kDisabledPathIndex, url);
-    const auto fragment = FaceFragment(url);
-    for (const FontReference reference : references) {
-        const auto font = Retain(disabled_.Find(reference));
-        if (!font || !FitsFragment(font.Get(), fragment.Get())) continue;
-        enabled_.Add(reference, font.Get());
-        disabled_.Remove(reference);
-        AddFontToIndexes(reference, font.Get());
-        RemoveFontFromIndex(*GetIndex(kDisabledPathIndex), reference, font.Get());
-        TGenerationSeed::UpdateGeneration();
-    }
-    return !references.empty();
+    return MoveFaces(ReferencesForURL(kDisabledPathIndex, url), disabled_, url,
+                     [&](FontReference reference, const GxFont *font) {
+                         enabled_.Add(reference, font);
+                         disabled_.Remove(reference);
+                         AddFontToIndexes(reference, font);
+                         TakeOutOfIndex(kDisabledPathIndex, reference, font);
+                     });
 }
 
 // A disabled font that is unregistered stays in the table of disabled fonts, where no index finds

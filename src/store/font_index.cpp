@@ -63,6 +63,10 @@ void TFontIndex::AddFontForKey(FontReference font, const void *key) {
 }
 
 void TFontIndex::RemoveFontForKey(FontReference font, const void *key) {
+    Remove(font, key);
+}
+
+void TFontIndex::Remove(FontReference font, const void *key) noexcept {
     if (const FontReference present = GetFontForKeyInternal(key)) {
         if (present == font) ValDictionaryRemoveValue(direct_->Get(), key);
     } else if (ValSet *set = GetFontsSetForKeyInternal(key)) {
@@ -87,9 +91,12 @@ Ref<const ValArray> TFontIndex::CopyAllKeys() const {
     return keys.Publish();
 }
 
-void TFontIndex::RemoveFontForAllKeys(FontReference font) {
-    for (const auto *table : {&direct_, &sets_})
-        for (const auto &key : KeysOf(*table)) TFontIndex::RemoveFontForKey(font, key.Get());
+void TFontIndex::RemoveFontForAllKeys(FontReference font) noexcept {
+    for (const auto *table : {&direct_, &sets_}) {
+        size_t cursor = 0;
+        for (const void *key; *table && ValDictionaryNext((*table)->Get(), &cursor, &key, nullptr);)
+            Remove(font, Retain(key).Get()); // the table's own reference may go with the entry
+    }
 }
 
 std::vector<FontReference> ReferencesIn(const ValSet *fonts) {

@@ -35,8 +35,8 @@ public:
     // The property whose values are this index's keys.
     virtual const ValString *GetIndexedProperty() const = 0;
 
-    // Removes a face from under every key.
-    virtual void RemoveFontForAllKeys(FontReference font);
+    // Removes a face from under every key. This is slow, and needs no memory.
+    virtual void RemoveFontForAllKeys(FontReference font) noexcept;
 
     virtual const ValCallbacks &GetFontSetCallBacks() const noexcept { return kValRawCallbacks; }
     virtual const ValCallbacks &GetIndexDictKeyCallBacks() const noexcept { return kValValueCallbacks; }
@@ -54,6 +54,8 @@ protected:
     bool IsEmpty() const noexcept;
 
 private:
+    void Remove(FontReference font, const void *key) noexcept;
+
     // Made by the first insertion that needs them.
     TValMutableDict &Direct();
     TValMutableDict &Sets();

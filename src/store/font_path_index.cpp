@@ -4,6 +4,8 @@
 #include "describe/gx_font_wrapper.hpp"
 #include "values/val_str.hpp"
 
+#include <climits>
+#include <new>
 #include <vector>
 
 namespace vellum {
@@ -22,6 +24,8 @@ Ref<const ValString> PathKey(std::string_view path) {
 template <class Visit>
 void ForEachPathKey(const ValURL *url, Visit visit) {
     const std::string path = CopyNormalizedPath(url);
+    // Every face lies somewhere: that there is no path to be had means that memory is exhausted.
+    if (url && path.empty()) throw std::bad_alloc();
     size_t length = path.size();
     while (length > 0) {
         visit(PathKey(std::string_view(path).substr(0, length)).Get());
@@ -31,6 +35,13 @@ void ForEachPathKey(const ValURL *url, Visit visit) {
 }
 
 } // namespace
+
+Ref<const ValString> CopyPath(const ValURL *url) {
+    auto path = Adopt(ValURLCopyFileSystemPath(url));
+    char buffer[PATH_MAX];
+    if (!path && ValURLGetFileSystemRepresentation(url, buffer, sizeof buffer)) throw std::bad_alloc();
+    return path;
+}
 
 std::string NormalizePath(std::string_view path) {
     const bool absolute = path.starts_with('/');
@@ -55,7 +66,7 @@ std::string NormalizePath(std::string_view path) {
 
 std::string CopyNormalizedPath(const ValURL *url) {
     if (TGxFont::IsInMemoryURL(url)) return std::string(TValStr(Adopt(ValURLCopyHost(url))).View());
-    const TValStr path(Adopt(ValURLCopyFileSystemPath(url)));
+    const TValStr path(CopyPath(url));
     return NormalizePath(path.View());
 }
 

@@ -18,6 +18,10 @@ public:
     const ValString *GetIndexedProperty() const override { return kVLFontPropertyURL; }
 };
 
+// The path of a file URL, null for any other. Throws std::bad_alloc: that memory is exhausted must not look
+// as if a URL had none.
+Ref<const ValString> CopyPath(const ValURL *url);
+
 // The text under which a URL's file is known: its absolute path with ".", "..", doubled and
 // trailing slashes taken out of the text. Links are not resolved, so that it works for files that
 // are gone. For a font in memory it is the URL's host, which is what names the font. Empty for a

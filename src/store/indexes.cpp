@@ -7,6 +7,8 @@
 #include "store/font_path_index.hpp"
 #include "store/local_glyphary_imp.hpp"
 
+#include <new>
+
 namespace vellum {
 
 namespace {
@@ -46,8 +48,13 @@ constexpr bool IsOfNames(uint16_t id) {
     return id >= kPostScriptNameIndex && id <= kSubfamilyNameIndex;
 }
 
+// A face whose path is not to be had for want of memory must not pass for one without.
 Ref<const void> IndexedValue(const TFontIndex &index, const GxFont *font) {
-    return TClientFontEntity(Retain(font)).CopyProperty(index.GetIndexedProperty(), true);
+    const uint32_t failures = tPassingFailures;
+    auto value = TClientFontEntity(Retain(font)).CopyProperty(index.GetIndexedProperty(), true);
+    if (!value && failures != tPassingFailures && index.GetIndexedProperty() == kVLFontPropertyURL)
+        throw std::bad_alloc();
+    return value;
 }
 
 } // namespace
@@ -107,8 +114,8 @@ void TLocalGlypharyImp::RemoveFontFromIndex(TFontIndex &index, FontReference ref
     ForEachIndexKey(value.Get(), [&](const void *key) { index.RemoveFontForKey(reference, key); });
 }
 
-// An index, or the order, that can't be kept current because memory is exhausted is given up: it is made
-// again from the enabled fonts when it is next asked for.
+// The order, and an index that can't take a font because memory is exhausted, are given up: they are made
+// again from the enabled fonts when they are next asked for. That is no way for the index of disabled ones.
 
 void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept {
     for (uint16_t id = kPathIndex; id < kDisabledPathIndex; ++id) {
@@ -127,16 +134,21 @@ void TLocalGlypharyImp::AddFontToIndexes(FontReference reference, const GxFont *
     }
 }
 
-void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept {
-    for (uint16_t id = kPathIndex; id < kIndexCount; ++id) {
-        const uint32_t failures = tPassingFailures;
-        try {
-            if (indexes_[id]) RemoveFontFromIndex(*indexes_[id], reference, font);
-        } catch (...) {
-            indexes_[id].reset();
-        }
-        if (IsOfNames(id) && failures != tPassingFailures) index_paces_[id].Failed();
+// Where there is no memory to ask for the font's keys it is sought under all of them, which needs none.
+void TLocalGlypharyImp::TakeOutOfIndex(uint16_t id, FontReference reference,
+                                       const GxFont *font) const noexcept {
+    if (!indexes_[id]) return;
+    const uint32_t failures = tPassingFailures;
+    try {
+        RemoveFontFromIndex(*indexes_[id], reference, font);
+    } catch (...) {
+        indexes_[id]->RemoveFontForAllKeys(reference);
     }
+    if (IsOfNames(id) && failures != tPassingFailures) index_paces_[id].Failed();
+}
+
+void TLocalGlypharyImp::RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept {
+    for (uint16_t id = kPathIndex; id < kDisabledPathIndex; ++id) TakeOutOfIndex(id, reference, font);
     try {
         if (order_) order_->FaceRemoved(reference);
     } catch (...) {

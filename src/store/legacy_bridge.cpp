@@ -17,6 +17,9 @@ namespace vellum {
 namespace {
 
 // A function of the service, looked up by name until it is found. Two threads may both look.
+//
+// To look up is to load code: it takes the loader's lock, and runs what the modules that are loaded do
+// first, which may be a question to us. So nobody looks up with a lock held; there, Known is for.
 template <class Function>
 class FountFunction {
 public:
@@ -29,6 +32,9 @@ public:
         function_.store(function, std::memory_order_relaxed);
         return function;
     }
+
+    // The function if it has been found.
+    Function *Known() const noexcept { return function_.load(std::memory_order_relaxed); }
 
 private:
     const char *const name_;
@@ -43,37 +49,45 @@ constinit FountFunction<FountFontFindFromContainerFunction>
     sFindFromContainer("FountFontFindFromContainer");
 constinit FountFunction<FountFontGetContainerFunction> sGetContainer("FountFontGetContainer");
 
-// Calls tell(function), unless the service was told already; from now on it counts as told.
+// Calls tell(function), unless the service is not there or was told already; from now on it counts as told.
 template <class Function, class Tell>
-void TellOnce(FountFunction<Function> &told, VLScope &scope, Tell tell) noexcept {
+void TellOnce(Function *function, VLScope &scope, Tell tell) noexcept {
     if (scope & kVLScopeLegacyTold) return;
-    if (Function *function = told.Find()) tell(function);
+    if (function) tell(function);
     scope |= kVLScopeLegacyTold;
 }
 
-void TellOfFiles(const void *fonts, bool is_array, bool registers, VLFontFlags flags,
-                 VLScope &scope) noexcept {
-    TellOnce(sRegisterURLs, scope, [&](FountRegisterURLsFunction *function) {
-        function(fonts, is_array, registers, 0, registers ? flags : 0, scope);
+void TellOfFiles(FountRegisterURLsFunction *function, const void *fonts, bool is_array, bool registers,
+                 VLFontFlags flags, VLScope &scope) noexcept {
+    TellOnce(function, scope, [&](FountRegisterURLsFunction *tell) {
+        tell(fonts, is_array, registers, 0, registers ? flags : 0, scope);
     });
 }
 
 void TellOfAvailability(const void *fonts, bool is_array, bool enables, VLFontFlags flags,
                         VLScope &scope) noexcept {
-    TellOnce(sEnableURLs, scope,
-             [&](FountEnableURLsFunction *function) { function(fonts, is_array, enables, flags, scope); });
+    if (scope & kVLScopeLegacyTold) return;
+    TellOnce(sEnableURLs.Find(), scope,
+             [&](FountEnableURLsFunction *tell) { tell(fonts, is_array, enables, flags, scope); });
 }
 
 } // namespace
 
+void FindFountFunctions() noexcept {
+    sRegisterURLs.Find();
+    sFindFromContainer.Find();
+    sGetContainer.Find();
+}
+
 void DoRegisterURLsWithFount(const ValArray *files, bool registers, VLFontFlags flags,
                              VLScope &scope) noexcept {
-    TellOfFiles(files, true, registers, flags, scope);
+    if (scope & kVLScopeLegacyTold) return;
+    TellOfFiles(sRegisterURLs.Find(), files, true, registers, flags, scope);
 }
 
 void DoRegisterURLWithFount(const ValURL *file, bool registers, VLFontFlags flags,
                             VLScope &scope) noexcept {
-    TellOfFiles(file, false, registers, flags, scope);
+    TellOfFiles(sRegisterURLs.Known(), file, false, registers, flags, scope);
 }
 
 void DoEnableURLsWithFount(const ValArray *fonts, bool enables, VLFontFlags flags,
@@ -89,9 +103,8 @@ uint32_t DoRegisterDataWithFount(const ValData *data, uint32_t container, VLFont
                                  VLScope &scope) noexcept {
     if (scope & kVLScopeLegacyTold) return 0;
     uint32_t result = 0;
-    TellOnce(sRegisterData, scope, [&](FountRegisterDataFunction *function) {
-        result = function(data, container, flags, scope);
-    });
+    TellOnce(sRegisterData.Find(), scope,
+             [&](FountRegisterDataFunction *tell) { result = tell(data, container, flags, scope); });
     scope &= ~VLScope{kVLScopeSilent};
     return result;
 }
@@ -101,7 +114,7 @@ void DoNotifyFount() noexcept {
 }
 
 uint32_t FindFountFont(uint32_t container) noexcept {
-    FountFontFindFromContainerFunction *find = container == 0 ? nullptr : sFindFromContainer.Find();
+    FountFontFindFromContainerFunction *find = container == 0 ? nullptr : sFindFromContainer.Known();
     if (!find) return 0;
     constexpr uint32_t kRoom = 8; // most containers have fewer
     uint32_t few[kRoom] = {};
@@ -116,7 +129,7 @@ uint32_t FindFountFont(uint32_t container) noexcept {
 }
 
 uint32_t FindFountContainer(uint32_t font) noexcept {
-    FountFontGetContainerFunction *get = font == 0 ? nullptr : sGetContainer.Find();
+    FountFontGetContainerFunction *get = font == 0 ? nullptr : sGetContainer.Known();
     return get ? get(font) : 0;
 }
 

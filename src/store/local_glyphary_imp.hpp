@@ -169,8 +169,11 @@ private:
     void AddFontToIndex(TFontIndex &index, FontReference reference, const GxFont *font) const;
     void RemoveFontFromIndex(TFontIndex &index, FontReference reference, const GxFont *font) const;
     void AddAllFontsToIndex(TFontIndex &index) const;
-    void AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept; // of enabled fonts
-    void RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept; // of any
+    void TakeOutOfIndex(uint16_t id, FontReference reference, const GxFont *font) const noexcept;
+
+    // The indexes of enabled fonts that are made, and the order.
+    void AddFontToIndexes(FontReference reference, const GxFont *font) const noexcept;
+    void RemoveFontFromIndexes(FontReference reference, const GxFont *font) const noexcept;
 
     mutable uint32_t change_count_ = 0;
     mutable uint32_t index_cursor_ = 0; // the font index that the next face gets

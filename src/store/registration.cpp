@@ -39,6 +39,7 @@ void TLocalGlypharyImp::AddFace(FontReference reference, const GxFont *font) con
 
 void TLocalGlypharyImp::RemoveFace(FontReference reference) const noexcept {
     RemoveFontFromIndexes(reference, nullptr);
+    TakeOutOfIndex(kDisabledPathIndex, reference, nullptr);
     enabled_.Remove(reference);
 }
 

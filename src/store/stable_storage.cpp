@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "store/stable_storage.hpp"
 
+#include "platform/font/limits.hpp"
 #include "platform/font/type_identifier.hpp"
 #include "platform/fs/copy_file.hpp"
+#include "platform/fs/file_properties.hpp"
 #include "platform/fs/private_folder.hpp"
 #include "platform/log/log.hpp"
 #include "platform/process/process.hpp"
@@ -13,6 +15,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <set>
+#include <string_view>
 
 namespace vellum {
 
@@ -20,14 +24,26 @@ namespace {
 
 constexpr char kSharedTemporaryFolder[] = "/tmp";
 
-// Copies the outlines of a suitcase's fonts along. Those that are not there are none.
+std::string LastComponent(std::string_view path) {
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
+// Copies the outlines of a suitcase's fonts along. Those that are not there are none. A suitcase names a
+// file as often as it likes, and files of any size: each is copied once, and all together are no more than
+// a font file may be.
 void CopyOutlines(const ValURL *suitcase, const std::string &folder) {
     const auto outlines = CreatePlatenFontURLsFromSuitcase(suitcase);
+    std::set<std::string> met;
+    uint64_t room = limits::kFileSize;
     for (const void *item : Elements(outlines.Get())) {
         const TValURL outline(Retain(Cast<ValURL>(item)));
-        const TValStr path = outline.Path();
-        const std::string name(path.View().substr(path.View().rfind('/') + 1));
+        const std::string path(outline.Path().View()), name = LastComponent(path);
+        if (!met.insert(name).second) continue;
+        const auto properties = ReadFileProperties(path).value_or(TFileProperties());
+        const uint64_t size = properties.size + properties.fork_size;
+        if (size > room) continue;
         VLCopyURLToURL(outline.Get(), TValURL::FromPath(folder + "/" + name).Get());
+        room -= size;
     }
 }
 
@@ -72,7 +88,7 @@ bool TLocalGlypharyImp::MoveFileToStableStorage(const ValURL *source, Ref<const 
     copy = nullptr;
     const std::string root = StableStorageFolder();
     const std::string path(TValURL(Retain(source)).Path().View());
-    const std::string name = path.substr(path.rfind('/') + 1);
+    const std::string name = LastComponent(path);
     if (root.empty() || name.empty()) return false;
 
     std::string folder = root;
@@ -87,11 +103,12 @@ bool TLocalGlypharyImp::MoveFileToStableStorage(const ValURL *source, Ref<const 
         destination = TValURL::FromPath(folder + "/" + name);
     }
 
-    const int32_t result = VLCopyURLToURL(source, destination.Get());
+    const bool is_there = AreSameFile(path, folder + "/" + name); // a copy, registered by its own URL
+    const int32_t result = is_there ? 0 : VLCopyURLToURL(source, destination.Get());
     if (result < 0) return false;
     if (result > 0) RemoveFile(folder + "/" + name); // an older copy must not pass for this font
     copy = destination.Ref();
-    if (ConformsToTypeTag(source, "com.orrery.font-suitcase")) CopyOutlines(source, folder);
+    if (!is_there && ConformsToTypeTag(source, "com.orrery.font-suitcase")) CopyOutlines(source, folder);
     return true;
 }
 

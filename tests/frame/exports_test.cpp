@@ -24,6 +24,7 @@ using ::testing::IsEmpty;
 class Exports : public ::testing::Test {
 protected:
     Exports() {
+        ::setenv("VELLUM_IGNORE_SERVER", "1", 1); // the shared register is one of this process
         ::setenv("VELLUM_FONTS_ROOT", system.Path().c_str(), 1);
         system.Add("usr/share/fonts/system.ttf", NamedFace{"System"});
     }
@@ -85,7 +86,7 @@ TEST_F(Exports, TheScopeOfAFontIsWhatBothRegistersAnswer) {
     EXPECT_EQ(VLGetScopeForFont(url.Get()), 0u);
     ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
     EXPECT_EQ(VLGetScopeForFont(url.Get()), kVLScopeProcess);
-    // The shared register is one in this process as long as there is no font server.
+    // The shared register is one in this process here.
     EXPECT_EQ(VLGetScopeForFont(SystemURL().Get()), kVLScopeProcess);
 }
 

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 // What the legacy font service hears of the changes that the exported functions make: each of them once.
+#include "ipc/notify/change_notifications.hpp"
 #include "query_registers.hpp"
+#include "store/bundle_fonts.hpp"
 #include "store/legacy_bridge.hpp"
+#include "support/allocations.hpp"
 #include "support/heard_changes.hpp"
 #include "support/spy_fount.hpp"
 
@@ -13,6 +16,9 @@ using ::testing::IsEmpty;
 
 class LegacyService : public QueryRegisters {
 protected:
+    LegacyService() {
+        ::setenv("VELLUM_IGNORE_SERVER", "1", 1);
+    } // the shared register is one of the process
     static std::string Text(const Ref<const ValURL> &url) { return TextOf(ValURLGetString(url.Get())); }
 
     SpyFount service;
@@ -31,7 +37,98 @@ TEST_F(LegacyService, HearsOfSharedFilesOnceWithTheArray) {
     VLRegisterFonts(Array({a, b}).Get(), kVLFontFlagLocalVolume, kVLScopeUser, nullptr);
     const auto told = service.Told();
     ASSERT_FALSE(told.empty());
-    EXPECT_EQ(told.back(), "register array=1 reserved=0 flags=200 scope=2 " + Text(a) + " " + Text(b));
+    EXPECT_EQ(told.front(), "register array=1 reserved=0 flags=200 scope=2 " + Text(a) + " " + Text(b));
+}
+
+// The shared register in the process takes no files; what it has is the system's.
+TEST_F(LegacyService, HearsThatTheSharedFilesWhichWereRefusedAreWithdrawn) {
+    const auto a = AddShared("a.ttf", MakeFont({"A"}));
+    const auto b = folder.Add("b.ttf", MakeFont({"B"})), c = folder.Add("c.ttf", MakeFont({"C"}));
+    EXPECT_EQ(VLGetScopeForFont(a.Get()), VLScope{kVLScopeProcess});
+    service.Told();
+    EXPECT_FALSE(VLRegisterFonts(Array({b, a, c}).Get(), kVLFontFlagLocalVolume,
+                                 kVLScopeUser | kVLScopeSilent, nullptr));
+    const auto told = service.Told();
+    ASSERT_EQ(told.size(), 2u);
+    EXPECT_EQ(told[0].substr(0, 8), "register");
+    EXPECT_EQ(told[1], "withdraw array=1 reserved=0 flags=0 scope=40000002 " + Text(b) + " " + Text(c));
+    EXPECT_FALSE(VLRegisterFont(a.Get(), 0, kVLScopeUser | kVLScopeSilent)); // nothing to withdraw
+    EXPECT_EQ(service.Told().size(), 1u);
+}
+
+// Who told it beforehand takes back what is to be taken back.
+TEST_F(LegacyService, HearsOfNoWithdrawalOfFilesThatItWasToldOfElsewhere) {
+    const auto a = folder.Add("a.ttf", MakeFont({"A"}));
+    EXPECT_FALSE(VLRegisterFont(a.Get(), 0, kVLScopeUser | kVLScopeLegacyTold | kVLScopeSilent));
+    EXPECT_THAT(service.Told(), IsEmpty());
+}
+
+// Other threads may wait for a register with the lock of the loader held: who holds the register's, or
+// makes it, must not want that one.
+TEST_F(LegacyService, MayAskForFontsWhileItIsLoadedToHearOfAFile) {
+    EXPECT_EQ(Named("nobody"), "(null)"); // the registers are there
+    ::setenv("SPY_FOUNT_ASKS", "1", 1);
+    const auto url = Add("a.ttf", MakeFont({"A"}));
+    EXPECT_THAT(service.Told(),
+                ElementsAre("register array=0 reserved=0 flags=0 scope=1 " + Text(url), "notify 1 0"));
+}
+
+TEST_F(LegacyService, MayAskForFontsWhileItIsLoadedToHearOfTheSystemsFonts) {
+    ::setenv("SPY_FOUNT_ASKS", "1", 1);
+    const auto shared = AddShared("a.ttf", MakeFont({"A"}));
+    EXPECT_EQ(Named("A", kVLScopeUser), "A-Regular");
+    EXPECT_THAT(service.Told(),
+                ElementsAre("register array=0 reserved=0 flags=608 scope=1 " + Text(shared)));
+}
+
+TEST_F(LegacyService, MayAskForFontsWhileItIsLoadedForAFontInMemory) {
+    const auto data = AsData(MakeFont({"A"}));
+    EXPECT_TRUE(VLRegisterDataFont(data.Get(), 77, 0, kVLScopeProcess));
+    const auto url = Adopt(VLCopyFontURLForDataFont(data.Get(), 0));
+    ::setenv("SPY_FOUNT_ASKS", "1", 1);
+    EXPECT_EQ(VLGetDataFontFountFont(url.Get()), 771u);
+}
+
+// Nor may two registers be locked at once.
+TEST_F(LegacyService, MayAskForFontsWhileItIsLoadedBetweenTheTwoRegisters) {
+    const auto shared = AddShared("a.ttf", MakeFont({"A"}));
+    EXPECT_EQ(Named("nobody", kVLScopeProcess), "(null)");
+    ::setenv("SPY_FOUNT_ASKS", "1", 1);
+    EXPECT_EQ(VLGetScopeForFont(shared.Get()), VLScope{kVLScopeProcess});
+}
+
+TEST_F(LegacyService, HearsOfNoFontsThatABundleNamesButDoesNotHave) {
+    FindFountFunctions();
+    const auto register_fonts = [&](const std::string &path) {
+        folder.Write("Info.vlist",
+                     "<vlist version=\"1.0\"><dict><key>FountApplicationFontsPath</key><string>" + path +
+                         "</string></dict></vlist>");
+        TLocalGlypharyImp registry;
+        RegisterFontsOfBundle(registry, MainBundle::Of(folder.File("program")).value());
+    };
+    const auto url = folder.Add("Resources/a.ttf", MakeFont({"A"}));
+    register_fonts("absent.ttf");
+    EXPECT_THAT(service.Told(), IsEmpty());
+    register_fonts("a.ttf");
+    EXPECT_THAT(service.Told(), ElementsAre("register array=0 reserved=0 flags=0 scope=1 " + Text(url)));
+}
+
+TEST_F(LegacyService, HearsOfAnAnnouncementThatFailed) {
+    const auto fonts = Array({folder.URLOf("a.ttf")});
+    const auto post = [&] { PostNotification(kVLScopeProcess, kAvailableFontURLsAddedKey, fonts.Get()); };
+    post();
+    bool has_failed = true;
+    for (int n = 0; has_failed; ++n) {
+        service.Told();
+        FailAllocationAfter(n);
+        try {
+            post();
+        } catch (const std::bad_alloc &) {
+        }
+        has_failed = HasAllocationFailed();
+        FailAllocationAfter(-1);
+        EXPECT_THAT(service.Told(), ElementsAre("notify 1 0")) << n;
+    }
 }
 
 TEST_F(LegacyService, HearsOfABrokenFileAndNotOfADuplicate) {

@@ -153,6 +153,17 @@ TEST_F(LookupTraces, MayBeEndedByTheCallback) {
     EXPECT_EQ(sCalls, 1);
 }
 
+TEST_F(LookupTraces, LeaveOutWhatAChangeLooksFor) {
+    const auto shared = AddShared("a.ttf", MakeFont({"A"})), own = folder.Add("b.ttf", MakeFont({"B"}));
+    Listen();
+    for (const VLScope scope : {VLScope{kVLScopeProcess}, VLScope{kVLScopeUser}, VLScope{kVLScopeAll}}) {
+        VLRegisterFont(own.Get(), 0, scope);
+        VLUnregisterFont(own.Get(), 0, scope);
+        VLUnregisterFont(shared.Get(), 0, scope);
+    }
+    EXPECT_THAT(lookups, IsEmpty());
+}
+
 TEST_F(LookupTraces, ChangeNoAnswer) {
     for (const char *name : {"B", "A", "C"}) Add(std::string(name) + ".ttf", MakeFont({name}));
     const auto untraced = FindAll({});

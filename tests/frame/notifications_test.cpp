@@ -5,7 +5,11 @@
 #include "ipc/notify/change_notifications.hpp"
 #include "platform/notify/notification_center.hpp"
 #include "query_registers.hpp"
+#include "support/captured_log.hpp"
 #include "support/heard_changes.hpp"
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <thread>
 
@@ -20,6 +24,13 @@ using ::testing::UnorderedElementsAre;
 class Notifications : public QueryRegisters {
 protected:
     std::string TextOfURL(const Ref<const ValURL> &url) { return TextOf(ValURLGetString(url.Get())); }
+
+    // A process that asks the font server, which does not run, observes the changes of others.
+    void UseServer() {
+        ::setenv("VELLUM_IGNORE_SERVER", "0", 1);
+        CapturedLog log; // that nobody is there
+        VLGetScopeForFont(folder.URLOf("any.ttf").Get());
+    }
 
     HeardChanges heard;
 };
@@ -116,7 +127,8 @@ TEST_F(Notifications, AreDeliveredOnTheThreadOfTheMainLoopWhateverThreadMadeTheC
 // ---- the shared register ----
 
 TEST_F(Notifications, ASharedChangeGoesToEveryProcessAndComesBackThroughTheProcesssObserver) {
-    const auto shared = AddShared("a.ttf", MakeFont({"A"}));
+    UseServer();
+    const auto shared = folder.Add("a.ttf", MakeFont({"A"}));
     std::vector<std::string> between;
     NotificationCenter::Distributed().AddObserver(
         &between,
@@ -125,7 +137,7 @@ TEST_F(Notifications, ASharedChangeGoesToEveryProcessAndComesBackThroughTheProce
                                                                          ReadChange(info).fonts.at(0));
         },
         kVLFontsChangedDistributedNotification);
-    VLDisableFonts(Array({shared}).Get(), 0, kVLScopeUser);
+    PostNotification(kVLScopeUser, kAvailableFontURLsRemovedKey, Array({shared}).Get());
     EXPECT_THAT(between,
                 ElementsAre("com_orrery_Laydown_FontManagerChangedNotification " + TextOfURL(shared)));
     EXPECT_THAT(heard.SoFar(), IsEmpty());
@@ -134,7 +146,7 @@ TEST_F(Notifications, ASharedChangeGoesToEveryProcessAndComesBackThroughTheProce
 }
 
 TEST_F(Notifications, AChangeInAnotherProcessMovesTheGenerationBeforeItIsDelivered) {
-    VLGetScopeForFont(folder.URLOf("a.ttf").Get()); // the shared register exists
+    UseServer();
     const uint32_t before = TGenerationSeed::GetGeneration();
     const auto text = Adopt(ValArrayCreateMutable(0, &kValValueCallbacks));
     ValArrayAppend(text.Get(), String("file:///x.ttf").Get());
@@ -147,7 +159,6 @@ TEST_F(Notifications, AChangeInAnotherProcessMovesTheGenerationBeforeItIsDeliver
 }
 
 TEST_F(Notifications, ASharedChangeStaysInTheProcessWhereTheServerIsIgnored) {
-    ::setenv("VELLUM_IGNORE_SERVER", "1", 1);
     const auto shared = AddShared("a.ttf", MakeFont({"A"}));
     bool left = false;
     NotificationCenter::Distributed().AddObserver(
@@ -258,6 +269,23 @@ TEST_F(Notifications, AnObserverMayChangeTheRegister) {
     TurnMainLoop();
     EXPECT_EQ(chain.calls, 3);
     VLRemoveFontsChangedObserver(&chain);
+}
+
+TEST_F(Notifications, AForkedProcessHearsOfItsOwnChangesAlone) {
+    const auto url = Add("a.ttf", MakeFont({"A"}));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        VLDeliverNotifications();
+        if (!heard.SoFar().empty()) ::_exit(1);
+        const auto other = Add("b.ttf", MakeFont({"B"}));
+        VLDeliverNotifications();
+        ::_exit(heard.SoFar() == std::vector{Added({TextOfURL(other)})} ? 0 : 2);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, 0);
+    VLDeliverNotifications();
+    EXPECT_THAT(heard.SoFar(), ElementsAre(Added({TextOfURL(url)})));
 }
 
 TEST_F(Notifications, AProgramWithoutAMainLoopHearsTheLastStateOfEachFontWhenItLooks) {

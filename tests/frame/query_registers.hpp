@@ -25,7 +25,10 @@ const T *As(const void *value) {
 
 class QueryRegisters : public ::testing::Test {
 protected:
-    QueryRegisters() { ::setenv("VELLUM_FONTS_ROOT", system.Path().c_str(), 1); }
+    QueryRegisters() {
+        ::setenv("VELLUM_IGNORE_SERVER", "1", 1); // the shared register is one of this process
+        ::setenv("VELLUM_FONTS_ROOT", system.Path().c_str(), 1);
+    }
 
     // A font of the shared register; before that register is asked.
     Ref<const ValURL> AddShared(const std::string &name, const Bytes &bytes) {

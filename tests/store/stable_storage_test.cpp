@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Copies of font files in stable storage, and registering them.
+#include "platform/font/limits.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "store/stable_storage.hpp"
+#include "suitcases.hpp"
 #include "support/captured_log.hpp"
 #include "support/named_font.hpp"
 #include "support/values.hpp"
@@ -83,6 +85,61 @@ TEST_F(StableStorage, IsRefusedWhereOthersMayEnterItsFolder) {
     EXPECT_FALSE(moved);
     ASSERT_EQ(log.Lines().size(), 1u);
 }
+
+// A font that was registered stably, and is registered again by the URL that it had then.
+TEST_F(StableStorage, LeavesAFileThatIsItsOwnCopyWhereItIs) {
+    const std::string copy = Move(folder.Add("a.ttf", MakeFont({"A"})));
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit little{100, RLIM_INFINITY}, all{RLIM_INFINITY, RLIM_INFINITY};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &little), 0);
+    EXPECT_EQ(Move(FileURL(copy)), copy);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &all), 0);
+    EXPECT_TRUE(moved);
+    EXPECT_TRUE(std::filesystem::exists(copy));
+    EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+// ---- suitcases ----
+
+TEST_F(StableStorage, TakesTheOutlinesOfASuitcasesFontsAlongWithTheirForks) {
+    const auto suitcase = folder.Add("Suitcase", Bytes());
+    const Bytes fork = TwoFamilies();
+    folder.Write(".rsrc/Suitcase", fork);
+    folder.Write("GaramBol", "");
+    folder.Write(".rsrc/GaramBol", ResourceFork({"POST"}));
+    EXPECT_EQ(Move(suitcase), StablePath("Suitcase"));
+    EXPECT_TRUE(std::filesystem::exists(StablePath("GaramBol")));
+    EXPECT_EQ(std::filesystem::file_size(StablePath(".rsrc/GaramBol")), ResourceFork({"POST"}).size());
+    EXPECT_EQ(std::filesystem::file_size(StablePath(".rsrc/Suitcase")), fork.size());
+}
+
+// Each that is not there is logged, too.
+TEST_F(StableStorage, TakesAnOutlineThatASuitcaseNamesOftenOnce) {
+    const auto suitcase = folder.Add("Suitcase", Bytes());
+    const FamilyFields sizes = {{{0, 0, 1}, {9, 0, 2}, {12, 0, 3}, {24, 0, 4}}, {"Foo"}};
+    folder.Write(".rsrc/Suitcase", ForkOf({Family(sizes), Family(sizes)}));
+    Move(suitcase);
+    EXPECT_THAT(log.Lines(), ElementsAre("Could not copy <file://" + folder.File("Foo") + "> to <file://" +
+                                         StablePath("Foo") + "> -- No such file or directory (2)"));
+}
+
+TEST_F(StableStorage, TakesNoMoreOutlinesThanAFontFileMayBeLarge) {
+    const auto suitcase = folder.Add("Suitcase", Bytes());
+    const auto family = [](const char *name) { return Family(Face(name)); };
+    folder.Write(".rsrc/Suitcase",
+                 ForkOf({family("Large"), family("First"), family("Other"), family("Foo")}));
+    std::filesystem::resize_file(folder.Write("Large", ""), limits::kFileSize + 1);
+    std::filesystem::resize_file(folder.Write("First", ""), 1u << 20);
+    std::filesystem::resize_file(folder.Write("Other", ""), limits::kFileSize);
+    folder.Write("Foo", "x");
+    Move(suitcase);
+    EXPECT_FALSE(std::filesystem::exists(StablePath("Large")));
+    EXPECT_TRUE(std::filesystem::exists(StablePath("First")));
+    EXPECT_FALSE(std::filesystem::exists(StablePath("Other")));
+    EXPECT_TRUE(std::filesystem::exists(StablePath("Foo")));
+}
+
+// ---- what fails ----
 
 // That a failed copy is handed out all the same is deliberate: no file lies there that could be opened.
 TEST_F(StableStorage, HandsOutTheURLOfACopyThatFailed) {

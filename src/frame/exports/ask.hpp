@@ -1,15 +1,28 @@
 // SPDX-License-Identifier: MIT
-// How an exported query asks the registers: each through a handle of its own, never both at once.
+// How an exported function reaches the registers: each through a handle of its own, never both at once.
 #pragma once
 
 #include "frame/handles/global_glyphary.hpp"
 #include "frame/handles/local_glyphary.hpp"
 #include "frame/registry/scope.hpp"
+#include "store/legacy_bridge.hpp"
 #include "values/lookup_trace.hpp"
 
 #include <string_view>
 
 namespace vellum {
+
+// The handles. A register that is being made tells the legacy font service of its fonts, whose code is to
+// be loaded before: other threads wait until the register is there, perhaps with the loader's lock held.
+inline TLocalGlyphary ProcessRegister() {
+    if (!TLocalGlyphary::IsCreated()) FindFountFunctions();
+    return TLocalGlyphary();
+}
+
+inline TGlobalGlyphary SharedRegister() {
+    if (!TGlobalGlyphary::IsCreated()) FindFountFunctions();
+    return TGlobalGlyphary();
+}
 
 inline void TellRegister(std::string_view which) noexcept {
     LookupTrace::Tell("register", [&](TValMutableDict &stage) {
@@ -21,18 +34,18 @@ inline void TellRegister(std::string_view which) noexcept {
 template <class Ask>
 auto AskProcess(Ask ask) {
     TellRegister("process");
-    return ask(TLocalGlyphary());
+    return ask(ProcessRegister());
 }
 
 template <class Ask>
 auto AskShared(Ask ask) {
     TellRegister("shared");
-    return ask(TGlobalGlyphary());
+    return ask(SharedRegister());
 }
 
 // The process's own register, and the shared one only when that had nothing.
 template <class Ask>
-auto AskProcessThenShared(VLScope scope, Ask ask) -> decltype(ask(TLocalGlyphary())) {
+auto AskProcessThenShared(VLScope scope, Ask ask) -> decltype(ask(ProcessRegister())) {
     if (AsksProcess(scope))
         if (auto answer = AskProcess(ask)) return answer;
     if (AsksShared(scope)) return AskShared(ask);

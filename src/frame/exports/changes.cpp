@@ -2,16 +2,17 @@
 // Exported: registering, unregistering, enabling and disabling.
 //
 // A change is told to the legacy font service, made with the registers, and posted, in this order; each
-// lock is given back before the next step.
+// lock is given back before the next step. What is answered is how the second step went: memory that runs
+// out afterwards changes no result.
 #include "frame/exports/changes.hpp"
 
+#include "frame/exports/ask.hpp"
 #include "frame/exports/guard.hpp"
-#include "frame/handles/global_glyphary.hpp"
-#include "frame/handles/local_glyphary.hpp"
-#include "frame/registry/scope.hpp"
+#include "frame/exports/lookups.hpp"
 #include "ipc/notify/change_notifications.hpp"
 #include "platform/font/gx_font.hpp"
 #include "platform/val/string.hpp"
+#include "store/font_path_index.hpp"
 #include "store/legacy_bridge.hpp"
 #include "values/val_array.hpp"
 #include "values/val_bookmark.hpp"
@@ -27,19 +28,19 @@ namespace {
 Ref<const ValArray> CreateAbsolutePathURLArray(const ValArray *urls) {
     TValMutableArray files;
     for (const void *item : Elements(urls)) {
-        const auto path = Adopt(ValURLCopyFileSystemPath(Cast<ValURL>(item)));
-        const auto file = Adopt(ValURLCreateWithFileSystemPath(path.Get(), false, nullptr));
-        if (file) files.Append(file.Get());
+        const auto path = CopyPath(Cast<ValURL>(item));
+        if (!path) continue;
+        files.Append(OrBadAlloc(Adopt(ValURLCreateWithFileSystemPath(path.Get(), false, nullptr))).Get());
     }
     return files.Publish();
 }
 
-// What VLCopyFontsWithProperties answers. One register is asked for its URLs alone: merging two answers
-// takes their fonts' names, too, which nobody else may ever ask for.
+// What VLCopyFontsWithProperties answers, of which no lookup's trace tells. One register is asked for its
+// URLs alone: merging two answers takes their fonts' names, too, which nobody else may ever ask for.
 Ref<const ValArray> CopyFonts(const ValDictionary *request, VLScope scope) {
-    if (!AsksShared(scope)) return TLocalGlyphary().CopyFontsForRequest(request, scope);
-    if (!AsksProcess(scope)) return TGlobalGlyphary().CopyFontsForRequest(request, scope);
-    return Adopt(VLCopyFontsWithProperties(request, scope, kVLActivationNotFromSearch));
+    if (!AsksShared(scope)) return ProcessRegister().CopyFontsForRequest(request, scope);
+    if (!AsksProcess(scope)) return SharedRegister().CopyFontsForRequest(request, scope);
+    return FindFontsWithProperties(request, scope, kVLActivationNotFromSearch);
 }
 
 // The URLs of every face that the registers have under files, in the order of the files.
@@ -72,15 +73,38 @@ constexpr bool IsSilent(VLScope scope) noexcept {
     return (scope & kVLScopeSilent) != 0;
 }
 
-void PostUnlessSilent(VLScope scope, const ValString *key, const ValArray *fonts) {
-    if (ValArrayGetCount(fonts) > 0 && !IsSilent(scope)) PostNotification(scope, key, fonts);
+// Posts that the fonts which `list()` answers became available or went away. When memory is exhausted
+// nobody hears of the change: who asks finds it.
+template <class List>
+void PostUnlessSilent(VLScope scope, const ValString *key, List list) noexcept {
+    if (IsSilent(scope)) return;
+    Guard([&] {
+        const Ref<const ValArray> fonts = list();
+        if (ValArrayGetCount(fonts.Get()) > 0) PostNotification(scope, key, fonts.Get());
+    });
 }
 
-// Makes a change of files with exactly one register, the shared one when the scope asks for it; what failed
-// goes to the caller of the exported function.
-template <class Change>
-bool ChangeOneRegister(VLScope scope, Change change) {
-    return AsksShared(scope) ? change(TGlobalGlyphary()) : change(TLocalGlyphary());
+// What the shared register refused, and does not have from before, is taken back from the legacy service.
+void WithdrawRefused(const ValArray *files, VLScope scope) {
+    TValMutableArray refused;
+    for (const void *file : Elements(files))
+        if (!SharedRegister().IsFontRegistered(Cast<ValURL>(file))) refused.Append(file);
+    if (!refused.IsEmpty()) DoRegisterURLsWithFount(refused.Get(), false, 0, scope);
+}
+
+// The process's register tells the legacy service itself, of each file.
+bool RegisterOwnFiles(const ValArray *files, VLFontFlags flags, VLScope scope, ErrorArray failed) {
+    if (!(scope & kVLScopeLegacyTold)) FindFountFunctions();
+    return ProcessRegister().RegisterFonts(files, nullptr, flags, scope, failed);
+}
+
+bool RegisterSharedFiles(const ValArray *files, VLFontFlags flags, VLScope scope, ErrorArray failed) {
+    const VLScope untold = scope;
+    DoRegisterURLsWithFount(files, true, flags, scope);
+    const bool registered =
+        Guard([&] { return SharedRegister().RegisterFonts(files, nullptr, flags, scope, failed); });
+    if (!registered) Guard([&] { WithdrawRefused(*failed ? failed->Get() : files, untold); });
+    return registered;
 }
 
 bool RegisterFiles(const ValArray *files, VLFontFlags flags, VLScope scope, ErrorArray failed) {
@@ -88,14 +112,12 @@ bool RegisterFiles(const ValArray *files, VLFontFlags flags, VLScope scope, Erro
         *failed = Retain(files);
         return false;
     }
-    // The process's register tells the legacy service itself, of each file.
-    if (AsksShared(scope)) DoRegisterURLsWithFount(files, true, flags, scope);
-    const bool registered = ChangeOneRegister(scope, [&](const TGlypharyProtocol &registry) {
-        return registry.RegisterFonts(files, nullptr, flags, scope, failed);
-    });
+    const bool registered = AsksShared(scope) ? RegisterSharedFiles(files, flags, scope, failed)
+                                              : RegisterOwnFiles(files, flags, scope, failed);
     // That files which failed are asked for, too, is deliberate: they may be there already.
-    if (!IsSilent(scope) && ValArrayGetCount(failed->Get()) != ValArrayGetCount(files))
-        PostUnlessSilent(scope, kAvailableFontURLsAddedKey, CopyFaceURLsForFonts(files, scope).Get());
+    if (ValArrayGetCount(failed->Get()) != ValArrayGetCount(files))
+        PostUnlessSilent(scope, kAvailableFontURLsAddedKey,
+                         [&] { return CopyFaceURLsForFonts(files, scope); });
     return registered;
 }
 
@@ -116,12 +138,15 @@ bool UnregisterFiles(const ValArray *files, VLScope scope, ErrorArray failed) {
         *failed = Retain(files);
         return false;
     }
-    const auto faces = IsSilent(scope) ? nullptr : CopyFaceURLsForFonts(files, scope);
-    const bool unregistered = ChangeOneRegister(scope, [&](const TGlypharyProtocol &registry) {
+    Ref<const ValArray> faces;
+    if (!IsSilent(scope)) faces = Guard([&] { return CopyFaceURLsForFonts(files, scope); });
+    const auto unregister = [&](const TGlypharyProtocol &registry) {
         return registry.UnregisterFonts(files, scope, failed);
-    });
+    };
+    const bool unregistered =
+        AsksShared(scope) ? unregister(SharedRegister()) : unregister(ProcessRegister());
     PostUnlessSilent(scope, kAvailableFontURLsRemovedKey,
-                     FacesWithoutFiles(faces.Get(), failed->Get()).Get());
+                     [&] { return FacesWithoutFiles(faces.Get(), failed->Get()); });
     PurgeParser(files);
     return unregistered;
 }
@@ -142,35 +167,39 @@ Ref<const ValArray> OneElement(const ValURL *url) {
     return Adopt(ValArrayCreate(&item, 1));
 }
 
+const ValString *KeyFor(bool enables) noexcept {
+    return enables ? kAvailableFontURLsAddedKey : kAvailableFontURLsRemovedKey;
+}
+
 // Enabling and disabling are alike. `change(register, scope)` answers the URLs that changed; the process's
-// register comes first.
+// register comes first. That one can't be asked leaves what the other did.
 template <class Change>
 void ChangeAvailability(const ValArray *urls, bool enables, VLFontFlags flags, VLScope scope,
-                        Change change) {
+                        Change change) noexcept {
     if (!urls) return;
-    Guard([&] {
-        DoEnableURLsWithFount(urls, enables, flags, scope);
+    DoEnableURLsWithFount(urls, enables, flags, scope);
+    Ref<const ValArray> own, shared;
+    if (AsksProcess(scope)) own = Guard([&] { return change(ProcessRegister(), scope); });
+    if (AsksShared(scope)) shared = Guard([&] { return change(SharedRegister(), scope); });
+    PostUnlessSilent(scope, KeyFor(enables), [&] {
         TValMutableArray changed;
-        if (AsksProcess(scope)) changed.AppendArray(change(TLocalGlyphary(), scope).Get());
-        if (AsksShared(scope)) changed.AppendArray(change(TGlobalGlyphary(), scope).Get());
-        PostUnlessSilent(scope, enables ? kAvailableFontURLsAddedKey : kAvailableFontURLsRemovedKey,
-                         changed.Get());
+        changed.AppendArray(own.Get());
+        changed.AppendArray(shared.Get());
+        return changed.Publish();
     });
 }
 
 // The single-font forms ask the shared register first, and each with its own part of the scope.
 template <class Change>
 void ChangeAvailabilityOfOne(const ValURL *url, bool enables, VLFontFlags flags, VLScope scope,
-                             Change change) {
+                             Change change) noexcept {
     if (!url) return;
-    Guard([&] {
-        DoEnableURLWithFount(url, enables, flags, scope);
-        bool changed = AsksShared(scope) && change(TGlobalGlyphary(), scope & kScopeShared);
-        if (AsksProcess(scope) && change(TLocalGlyphary(), kVLScopeProcess)) changed = true;
-        if (changed)
-            PostUnlessSilent(scope, enables ? kAvailableFontURLsAddedKey : kAvailableFontURLsRemovedKey,
-                             OneElement(url).Get());
-    });
+    DoEnableURLWithFount(url, enables, flags, scope);
+    bool changed = false;
+    if (AsksShared(scope)) changed = Guard([&] { return change(SharedRegister(), scope & kScopeShared); });
+    if (AsksProcess(scope) && Guard([&] { return change(ProcessRegister(), kVLScopeProcess); }))
+        changed = true;
+    if (changed) PostUnlessSilent(scope, KeyFor(enables), [&] { return OneElement(url); });
 }
 
 } // namespace
@@ -227,11 +256,11 @@ bool VLRegisterFontDirectory(const ValURL *directory, VLFontFlags flags, uint32_
     if (!directory || (scope & kVLScopeAll) != kVLScopeUser) return false;
     return Guard([&] {
         const TValBookmark bookmark(directory);
-        return TGlobalGlyphary().RegisterFontDirectory(directory, bookmark.Get(), flags, options, scope);
+        return SharedRegister().RegisterFontDirectory(directory, bookmark.Get(), flags, options, scope);
     });
 }
 
 bool VLUnregisterFontDirectory(const ValURL *directory, uint32_t, VLScope scope) noexcept {
     if (!directory || (scope & kVLScopeAll) != kVLScopeUser) return false;
-    return Guard([&] { return TGlobalGlyphary().UnregisterFontDirectory(directory, scope); });
+    return Guard([&] { return SharedRegister().UnregisterFontDirectory(directory, scope); });
 }

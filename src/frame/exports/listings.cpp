@@ -27,8 +27,8 @@ void AddAll(TValMutableSet &items, const ValArray *more) {
 // The distinct members of both registers' answers, in the order in which they came; empty for none.
 template <class Ask>
 std::vector<const void *> DistinctItems(VLScope scope, TValMutableSet &distinct, Ask ask) {
-    if (AsksProcess(scope)) AddAll(distinct, ask(TLocalGlyphary()).Get());
-    if (AsksShared(scope)) AddAll(distinct, ask(TGlobalGlyphary()).Get());
+    if (AsksProcess(scope)) AddAll(distinct, ask(ProcessRegister()).Get());
+    if (AsksShared(scope)) AddAll(distinct, ask(SharedRegister()).Get());
     std::vector<const void *> items;
     items.reserve(distinct.Count());
     for (const void *member : distinct) items.push_back(member);

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Exported: finding fonts, in the registers and beyond.
+#include "frame/exports/lookups.hpp"
+
 #include "autoactivation/auto_activation_manager.hpp"
 #include "describe/basic_font_entity.hpp"
 #include "frame/exports/arguments.hpp"
@@ -47,7 +49,7 @@ Ref<const ValArray> ActivateFonts(const ValDictionary *request, VLActivationOpti
                                   const ValSet *keys) {
     const auto urls = ActivationFor(request, activation).CopyAutoActivatedFonts(kVLScopeProcess);
     if (ValArrayGetCount(urls.Get()) == 0) return nullptr;
-    const auto properties = TLocalGlyphary().CopyPropertiesForFonts(urls.Get(), keys, kVLScopeProcess);
+    const auto properties = ProcessRegister().CopyPropertiesForFonts(urls.Get(), keys, kVLScopeProcess);
     TValMutableArray fonts;
     for (const void *element : Elements(urls.Get())) {
         const auto *url = Cast<ValURL>(element);
@@ -66,7 +68,10 @@ Ref<const ValDictionary> RequestForName(const ValString *name) {
     return request.Publish();
 }
 
-Ref<const ValArray> FindFonts(const ValDictionary *request, VLScope scope, VLActivationOptions activation) {
+} // namespace
+
+Ref<const ValArray> vellum::FindFontsWithProperties(const ValDictionary *request, VLScope scope,
+                                                    VLActivationOptions activation) {
     const ValSet *keys = TBasicFontEntity::GetBasicProperties();
     const auto ask = [&](const TGlypharyProtocol &registry) {
         return registry.CopyPropertiesForFontsMatchingRequest(request, keys, scope);
@@ -76,8 +81,6 @@ Ref<const ValArray> FindFonts(const ValDictionary *request, VLScope scope, VLAct
     if (!own && !shared && MayActivate(scope, activation)) own = ActivateFonts(request, activation, keys);
     return CopyURLs(MergeAnswers(own.Get(), shared.Get(), request).Get());
 }
-
-} // namespace
 
 const ValURL *VLCopyFontWithName(const ValString *name, VLScope scope,
                                  VLActivationOptions activation) noexcept {
@@ -115,7 +118,7 @@ const ValArray *VLCopyFontsWithProperties(const ValDictionary *request, VLScope 
                                           VLActivationOptions activation) noexcept {
     if (!IsArgument<ValDictionary>(request)) return nullptr;
     return GuardLookup("fontsWithProperties", request, scope,
-                       [&] { return FindFonts(request, scope, activation); });
+                       [&] { return FindFontsWithProperties(request, scope, activation); });
 }
 
 // That a character is given up even where no register was asked is deliberate.

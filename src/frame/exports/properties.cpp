@@ -24,8 +24,8 @@ void MergeInto(TValMutableDict &answers, const ValDictionary *more) {
 template <class Ask>
 Ref<const ValDictionary> AskBothForEachFont(VLScope scope, Ask ask) {
     TValMutableDict answers;
-    if (AsksProcess(scope)) MergeInto(answers, ask(TLocalGlyphary()).Get());
-    if (AsksShared(scope)) MergeInto(answers, ask(TGlobalGlyphary()).Get());
+    if (AsksProcess(scope)) MergeInto(answers, ask(ProcessRegister()).Get());
+    if (AsksShared(scope)) MergeInto(answers, ask(SharedRegister()).Get());
     return answers.IsEmpty() ? nullptr : answers.Publish();
 }
 
@@ -84,9 +84,9 @@ const ValArray *VLCopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) n
     return GuardCopy([&]() -> Ref<const ValArray> {
         TValMutableArray all;
         if (AsksProcess(scope))
-            all.AppendArray(TLocalGlyphary().CopyPropertiesForAllFonts(keys, scope).Get());
+            all.AppendArray(ProcessRegister().CopyPropertiesForAllFonts(keys, scope).Get());
         if (AsksShared(scope))
-            all.AppendArray(TGlobalGlyphary().CopyPropertiesForAllFonts(keys, scope).Get());
+            all.AppendArray(SharedRegister().CopyPropertiesForAllFonts(keys, scope).Get());
         return all.IsEmpty() ? nullptr : all.Publish();
     });
 }
@@ -96,11 +96,11 @@ const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query, VLScop
         TValMutableDict summary;
         if (AsksProcess(scope)) {
             const auto fonts =
-                TLocalGlyphary().CopyPropertiesForAllFonts(SummaryProperties().Get(), kVLScopeProcess);
+                ProcessRegister().CopyPropertiesForAllFonts(SummaryProperties().Get(), kVLScopeProcess);
             if (fonts) summary.Set(MakeNumber(kSummaryOfFonts).Get(), fonts.Get());
         }
         if (AsksShared(scope)) {
-            const auto shared = TGlobalGlyphary().ExperimentalDataFunnel(query, scope);
+            const auto shared = SharedRegister().ExperimentalDataFunnel(query, scope);
             for (const auto &[key, value] : TValDict(shared)) summary.Set(key, value);
         }
         return summary.Publish();
@@ -109,8 +109,10 @@ const ValDictionary *VLExperimentalDataFunnel(const ValDictionary *query, VLScop
 
 VLScope VLGetScopeForFont(const ValURL *font) noexcept {
     if (!IsArgument<ValURL>(font)) return 0;
-    return Guard(
-        [&] { return TLocalGlyphary().GetFontScope(font) | TGlobalGlyphary().GetFontScope(font); });
+    return Guard([&] {
+        const VLScope own = ProcessRegister().GetFontScope(font); // the handle goes before the other comes
+        return own | SharedRegister().GetFontScope(font);
+    });
 }
 
 // Properties come from the fonts themselves: nothing is set or removed.

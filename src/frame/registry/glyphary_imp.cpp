@@ -8,13 +8,17 @@ namespace vellum {
 
 namespace {
 
-// The URLs of an array for which `change` succeeds; null for none.
+// The URLs of an array for which `change` succeeds; null for none. One for which memory does not suffice
+// leaves the others alone, and there is room for all from the beginning: what changed is always told.
 template <class Change>
 Ref<const ValArray> CollectChanged(const ValArray *urls, Change change) {
-    TValMutableArray changed;
-    for (size_t i = 0; i < ValArrayGetCount(urls); ++i) {
-        const auto *url = Cast<ValURL>(ValArrayGetValue(urls, i));
-        if (url && change(url)) changed.Append(url);
+    TValMutableArray changed(kValValueCallbacks, ValArrayGetCount(urls));
+    for (const void *item : Elements(urls)) {
+        const auto *url = Cast<ValURL>(item);
+        try {
+            if (url && change(url)) changed.Append(url);
+        } catch (...) { // nothing changed
+        }
     }
     return changed.IsEmpty() ? nullptr : changed.Publish();
 }

@@ -7,6 +7,7 @@
 #include "ipc/notify/pending_notifications.hpp"
 #include "platform/loop/main_loop.hpp"
 #include "platform/notify/notification_center.hpp"
+#include "platform/process/per_process.hpp"
 #include "store/legacy_bridge.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
@@ -19,15 +20,12 @@ namespace {
 
 constinit std::atomic<bool> sKeepsSharedChanges{false};
 
-// Made by the first use and never torn down.
-PendingNotifications &Pending() {
-    static PendingNotifications *const pending = new PendingNotifications;
-    return *pending;
-}
+// A process that is forked tells nobody of its parent's changes.
+constinit PerProcess<PendingNotifications> sPending;
 
 void AsynchronousLocalNotificationTimerCallBack(void *) noexcept {
     try {
-        if (const auto user_info = Pending().Take())
+        if (const auto user_info = sPending.Get().Take())
             DistributedFontChangedCallback(nullptr, nullptr, nullptr, nullptr, user_info.Get());
     } catch (...) { // memory is exhausted: it is delivered with the next one
     }
@@ -35,14 +33,29 @@ void AsynchronousLocalNotificationTimerCallBack(void *) noexcept {
 
 // Has the main loop deliver a change at its next pass.
 void DeliverLater(const ValDictionary *user_info) {
-    for (size_t timers = Pending().Add(Retain(user_info)); timers > 0; --timers) {
+    for (size_t timers = sPending.Get().Add(Retain(user_info)); timers > 0; --timers) {
         try {
             AddMainLoopTimer(AsynchronousLocalNotificationTimerCallBack, nullptr);
         } catch (...) {
-            Pending().CancelCalls(timers);
+            sPending.Get().CancelCalls(timers);
             throw;
         }
     }
+}
+
+// The legacy service hears of an announcement last, and of one that failed, too.
+struct NotifyFountLast {
+    NotifyFountLast() = default;
+    NotifyFountLast(const NotifyFountLast &) = delete;
+    NotifyFountLast &operator=(const NotifyFountLast &) = delete;
+    ~NotifyFountLast() { DoNotifyFount(); }
+};
+
+void Announce(VLScope scope, const ValDictionary *user_info) {
+    if (AsksShared(scope) && !sKeepsSharedChanges.load(std::memory_order_acquire))
+        NotificationCenter::Distributed().Post(kVLFontsChangedDistributedNotification, user_info);
+    else
+        DeliverLater(user_info);
 }
 
 // The texts are the URLs' own: what was relative stays so.
@@ -56,17 +69,15 @@ Ref<const ValArray> Texts(const ValArray *urls) {
 } // namespace
 
 void PostNotification(VLScope scope, const ValString *key, const ValArray *fonts) {
+    const NotifyFountLast last;
     TValMutableDict user_info;
     user_info.Set(key, Texts(fonts).Get());
-    PostNotification(scope, user_info.Publish().Get());
+    Announce(scope, user_info.Publish().Get());
 }
 
 void PostNotification(VLScope scope, const ValDictionary *user_info) {
-    if (AsksShared(scope) && !sKeepsSharedChanges.load(std::memory_order_acquire))
-        NotificationCenter::Distributed().Post(kVLFontsChangedDistributedNotification, user_info);
-    else
-        DeliverLater(user_info);
-    DoNotifyFount();
+    const NotifyFountLast last;
+    Announce(scope, user_info);
 }
 
 void KeepSharedChangesInProcess() noexcept {

@@ -29,17 +29,27 @@ Ref<const ValDictionary> UserInfo(const ValString *key, const TValMutableSet &fo
 
 size_t PendingNotifications::CountWaiting() const noexcept {
     size_t count = kept_.size();
-    if (joined_) count += size_t{!joined_->removed.IsEmpty()} + size_t{!joined_->added.IsEmpty()};
+    if (joined_)
+        count += size_t{!joined_->removed.IsEmpty()} + size_t{!joined_->added.IsEmpty()} +
+                 size_t{joined_too_many_};
     return count;
+}
+
+void PendingNotifications::ForgetJoined() {
+    joined_->removed = TValMutableSet();
+    joined_->added = TValMutableSet();
+    joined_too_many_ = true;
 }
 
 void PendingNotifications::Join(const ValDictionary *user_info) {
     if (!joined_) joined_.emplace();
+    if (joined_too_many_) return;
     const auto fonts = [user_info](const ValString *key) {
         return Cast<ValArray>(ValDictionaryGetValue(user_info, key));
     };
     Move(fonts(kAvailableFontURLsRemovedKey), joined_->added, joined_->removed);
     Move(fonts(kAvailableFontURLsAddedKey), joined_->removed, joined_->added);
+    if (joined_->removed.Count() + joined_->added.Count() > kMostJoined) ForgetJoined();
 }
 
 size_t PendingNotifications::Add(Ref<const ValDictionary> user_info) {
@@ -59,7 +69,8 @@ void PendingNotifications::CancelCalls(size_t count) noexcept {
     calls_ -= count;
 }
 
-// Of what was joined, the fonts that went come first: a font that was replaced is there in the end.
+// Of what was joined, the fonts that went come first: a font that was replaced is there in the end. That
+// there were too many of them is said by a change of no font.
 Ref<const ValDictionary> PendingNotifications::Take() {
     const std::lock_guard lock(mutex_);
     if (calls_ > 0) --calls_;
@@ -76,6 +87,9 @@ Ref<const ValDictionary> PendingNotifications::Take() {
     } else if (!joined_->added.IsEmpty()) {
         first = UserInfo(kAvailableFontURLsAddedKey, joined_->added);
         joined_->added = TValMutableSet();
+    } else if (joined_too_many_) {
+        first = UserInfo(kAvailableFontURLsAddedKey, joined_->added);
+        joined_too_many_ = false;
     }
     if (CountWaiting() == 0) joined_.reset();
     return first;

@@ -12,7 +12,9 @@
 #include "platform/val/string.hpp"
 
 #include <climits>
+#include <new>
 #include <optional>
+#include <utility>
 
 namespace vellum {
 namespace {
@@ -21,7 +23,9 @@ std::optional<TFontFileKey> KeyOf(const ValURL *url) {
     char path[PATH_MAX];
     if (!ValURLGetFileSystemRepresentation(url, path, sizeof path)) return std::nullopt;
     const auto absolute = Adopt(ValURLCopyAbsolute(url));
-    return TFontFileKey{path, Adopt(ValURLCopyWithFragment(absolute.Get(), nullptr))};
+    auto file = Adopt(ValURLCopyWithFragment(absolute.Get(), nullptr));
+    if (!file) throw std::bad_alloc(); // a font without its file's URL is one in memory
+    return TFontFileKey{path, std::move(file)};
 }
 
 // A file without faces gives null, and is looked at again when it is asked for again.

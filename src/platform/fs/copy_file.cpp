@@ -2,6 +2,7 @@
 #include "platform/fs/copy_file.hpp"
 
 #include "platform/fs/file.hpp"
+#include "platform/fs/file_fork.hpp"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vellum {
@@ -25,13 +27,20 @@ constexpr size_t kChunk = size_t{64} << 10;
 // The copy in the making: removed again unless it gets its name.
 class PartialCopy {
 public:
-    explicit PartialCopy(const std::string &destination) {
+    PartialCopy() noexcept = default;
+    explicit PartialCopy(const std::string &destination) : destination_(destination) {
         const size_t name = destination.rfind('/') + 1;
         path_ = destination.substr(0, name) + ".vellum-copy-XXXXXX";
         descriptor_ = TDescriptor(::mkostemp(path_.data(), O_CLOEXEC));
     }
-    PartialCopy(const PartialCopy &) = delete;
-    PartialCopy &operator=(const PartialCopy &) = delete;
+    PartialCopy(PartialCopy &&other) noexcept { *this = std::move(other); }
+    PartialCopy &operator=(PartialCopy &&other) noexcept {
+        std::swap(destination_, other.destination_);
+        std::swap(path_, other.path_);
+        std::swap(descriptor_, other.descriptor_);
+        std::swap(is_named_, other.is_named_);
+        return *this;
+    }
     ~PartialCopy() {
         if (descriptor_.IsOpen() && !is_named_) ::unlink(path_.c_str());
     }
@@ -39,13 +48,13 @@ public:
     bool IsOpen() const noexcept { return descriptor_.IsOpen(); }
     int Descriptor() const noexcept { return descriptor_.Get(); }
 
-    bool GiveName(const std::string &destination) noexcept {
-        is_named_ = ::rename(path_.c_str(), destination.c_str()) == 0;
+    bool GetName() noexcept {
+        is_named_ = ::rename(path_.c_str(), destination_.c_str()) == 0;
         return is_named_;
     }
 
 private:
-    std::string path_;
+    std::string destination_, path_;
     TDescriptor descriptor_;
     bool is_named_ = false;
 };
@@ -105,7 +114,7 @@ bool CopyAttributes(int from, int to) {
     if (!ReadSized(names, [&](char *out, size_t size) { return ::flistxattr(from, out, size); }))
         return IsRefusal(errno);
     for (auto name = names.begin(); name != names.end(); name = std::find(name, names.end(), '\0') + 1)
-        if (!CopyAttribute(from, to, &*name)) return false;
+        if (kForkAttribute != std::string_view(&*name) && !CopyAttribute(from, to, &*name)) return false;
     return true;
 }
 
@@ -116,8 +125,55 @@ bool CopyStatus(const struct stat &status, int to) noexcept {
     return ::futimens(to, times) == 0;
 }
 
-bool CopyEverything(int from, const struct stat &status, int to) {
-    return CopyBytes(from, to) && CopyAttributes(from, to) && CopyStatus(status, to);
+// The file of a fork in the making, its folder made; closed, with errno set, when that fails.
+PartialCopy StartForkFile(const std::string &destination) {
+    const std::string path = ForkFileOf(destination);
+    if (::mkdir(path.substr(0, path.rfind('/')).c_str(), 0777) != 0 && errno != EEXIST)
+        return PartialCopy();
+    return PartialCopy(path);
+}
+
+// The fork that is an attribute: as one of the copy's or, where it can't be, as a file.
+bool CopyForkAttribute(const std::vector<char> &fork, int to, const std::string &destination,
+                       PartialCopy &file) {
+    if (::fsetxattr(to, kForkAttribute, fork.data(), fork.size(), 0) == 0) return true;
+    file = StartForkFile(destination);
+    return file.IsOpen() && WriteFully(file.Descriptor(), fork.data(), fork.size());
+}
+
+// Failures that mean that there is no such file, and can't be.
+bool IsAbsence(int error) noexcept {
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+}
+
+// The fork that is a file.
+bool CopyForkFile(const std::string &source, const std::string &destination, PartialCopy &file) {
+    const TDescriptor from(
+        ::open(ForkFileOf(source).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status;
+    if (!from.IsOpen()) return IsAbsence(errno);
+    if (::fstat(from.Get(), &status) != 0) return false;
+    if (!S_ISREG(status.st_mode)) return true;
+    file = StartForkFile(destination);
+    return file.IsOpen() && CopyBytes(from.Get(), file.Descriptor());
+}
+
+// The second fork of a file, in `file` if it is not in the copy; false with errno set.
+bool CopyFork(int from, const std::string &source, int to, const std::string &destination,
+              PartialCopy &file) {
+    std::vector<char> fork;
+    const auto get = [from](char *out, size_t size) {
+        return ::fgetxattr(from, kForkAttribute, out, size);
+    };
+    if (ReadSized(fork, get) && !fork.empty()) return CopyForkAttribute(fork, to, destination, file);
+    return CopyForkFile(source, destination, file);
+}
+
+// The fork of what lay there before is not the copy's.
+bool RemoveForkFile(const std::string &destination) {
+    const int error = RemoveFile(ForkFileOf(destination));
+    errno = error;
+    return error == 0 || IsAbsence(error);
 }
 
 } // namespace
@@ -127,13 +183,24 @@ int CopyFile(const std::string &source, const std::string &destination) {
     struct stat status;
     if (!from.IsOpen() || ::fstat(from.Get(), &status) != 0) return errno;
     if (!S_ISREG(status.st_mode)) return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-    PartialCopy copy(destination);
-    if (!copy.IsOpen() || !CopyEverything(from.Get(), status, copy.Descriptor())) return errno;
-    return copy.GiveName(destination) ? 0 : errno;
+    PartialCopy copy(destination), fork;
+    if (!copy.IsOpen() || !CopyBytes(from.Get(), copy.Descriptor()) ||
+        !CopyAttributes(from.Get(), copy.Descriptor()) ||
+        !CopyFork(from.Get(), source, copy.Descriptor(), destination, fork) ||
+        !CopyStatus(status, copy.Descriptor()) ||
+        (fork.IsOpen() && !CopyStatus(status, fork.Descriptor())) || !copy.GetName())
+        return errno;
+    return (fork.IsOpen() ? fork.GetName() : RemoveForkFile(destination)) ? 0 : errno;
 }
 
 int RemoveFile(const std::string &path) noexcept {
     return ::unlink(path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
+}
+
+bool AreSameFile(const std::string &a, const std::string &b) noexcept {
+    struct stat of_a, of_b;
+    return ::stat(a.c_str(), &of_a) == 0 && ::stat(b.c_str(), &of_b) == 0 && of_a.st_dev == of_b.st_dev &&
+           of_a.st_ino == of_b.st_ino;
 }
 
 bool HaveEqualBytes(const std::string &a, const std::string &b) {

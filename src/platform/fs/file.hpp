@@ -43,6 +43,9 @@ public:
     int Get() const noexcept { return descriptor_; }
     bool IsOpen() const noexcept { return descriptor_ >= 0; }
 
+    // Hands the descriptor over to the caller.
+    int Release() noexcept { return std::exchange(descriptor_, -1); }
+
 private:
     int descriptor_;
 };

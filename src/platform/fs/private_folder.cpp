@@ -13,6 +13,17 @@ namespace vellum {
 namespace {
 
 constexpr mode_t kPrivateMode = 0700;
+constexpr mode_t kOthersWrite = 022;
+
+// A program that runs as somebody else than its caller may have the caller's environment: what it made
+// there would be in the caller's way, and the caller in its.
+bool IsOfUserAlone(const std::string &folder) noexcept {
+    struct stat status;
+    return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & kOthersWrite) == 0;
+}
+
+} // namespace
 
 int CheckPrivateFolder(const std::string &path) noexcept {
     struct stat status;
@@ -21,18 +32,19 @@ int CheckPrivateFolder(const std::string &path) noexcept {
     return status.st_uid == ::geteuid() && (status.st_mode & 0777) == kPrivateMode ? 0 : EPERM;
 }
 
-} // namespace
-
 int MakePrivateFolder(const std::string &path) noexcept {
     if (::mkdir(path.c_str(), kPrivateMode) != 0 && errno != EEXIST) return errno;
     return CheckPrivateFolder(path);
 }
 
-std::string UserTemporaryFolder() {
+std::string UserTemporaryFolder(PrivateFolderTest test) {
     const char *runtime = GetEnvironment("XDG_RUNTIME_DIR");
     if (!runtime || *runtime != '/') return {};
-    const std::string folder = std::string(runtime) + "/vellum";
-    return MakePrivateFolder(folder) == 0 ? folder : std::string();
+    std::string folder(runtime);
+    while (folder.ends_with('/')) folder.pop_back(); // behind a link's name, a slash would have it followed
+    if (!IsOfUserAlone(folder)) return {};
+    folder += "/vellum";
+    return test(folder) == 0 ? folder : std::string();
 }
 
 } // namespace vellum

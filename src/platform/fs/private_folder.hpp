@@ -11,8 +11,13 @@ namespace vellum {
 // anything else of that name.
 int MakePrivateFolder(const std::string &path) noexcept;
 
-// Where this user's programs keep what lasts for the session: the folder vellum in $XDG_RUNTIME_DIR, which
-// is made if it is not there. Empty without one. May throw std::bad_alloc.
-std::string UserTemporaryFolder();
+// 0 when such a folder is there already; what the above gives when it is not, or ENOENT.
+int CheckPrivateFolder(const std::string &path) noexcept;
+
+// Where this user's programs keep what lasts for the session: the folder vellum in $XDG_RUNTIME_DIR, if
+// that is this user's and nobody else may write there. `test` is one of the two functions above: the folder
+// is made if it is not there, or not. Empty without one. May throw std::bad_alloc.
+using PrivateFolderTest = int (*)(const std::string &path) noexcept;
+std::string UserTemporaryFolder(PrivateFolderTest test = MakePrivateFolder);
 
 } // namespace vellum

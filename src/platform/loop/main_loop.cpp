@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/loop/main_loop.hpp"
 
+#include "platform/fs/file.hpp"
+#include "platform/process/per_process.hpp"
+
+#include <fcntl.h>
 #include <glib.h>
 #include <sys/eventfd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -19,15 +25,27 @@ struct Timer {
     void *info;
 };
 
-// One source stands in GLib's default context for all timers: it is ready while one of them waits.
-// Adding a timer so costs GLib nothing, and never makes it abort for want of memory.
+// Which file a descriptor leads to. All event counters are one: what else a program may open is not.
+struct FileOf {
+    dev_t device = 0;
+    ino_t inode = 0;
+
+    static FileOf Descriptor(int descriptor) noexcept {
+        struct stat status;
+        return ::fstat(descriptor, &status) == 0 ? FileOf{status.st_dev, status.st_ino} : FileOf{};
+    }
+    bool operator==(const FileOf &) const = default;
+};
+
+// The timers of one process. What a process was forked with is its parent's: the timers, and the counter,
+// of which both would take what is meant for one.
 class MainLoop {
 public:
-    // Made by the first use, and never torn down: threads may add timers while the process ends.
-    static MainLoop &Get() {
-        static MainLoop *const loop = new MainLoop;
-        return *loop;
-    }
+    // Takes over the number of the parent's descriptor, if there is one: programs know it. The parent's
+    // lock may be held by a thread that this process does not have.
+    explicit MainLoop(const MainLoop *parents) noexcept
+        : descriptor_(parents ? parents->descriptor_.load(std::memory_order_relaxed) : -1),
+          is_inherited_(true), counter_(parents ? parents->counter_ : FileOf()) {}
 
     void Add(Timer timer) {
         {
@@ -40,8 +58,10 @@ public:
 
     int Descriptor() noexcept {
         const std::lock_guard lock(mutex_);
-        if (descriptor_ < 0) {
-            descriptor_ = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        if (!HasCounter()) {
+            descriptor_ = ::eventfd(0, kCounterFlags);
+            is_inherited_ = false;
+            counter_ = FileOf::Descriptor(descriptor_);
             if (!timers_.empty()) Signal();
         }
         return descriptor_;
@@ -55,31 +75,13 @@ public:
             if (const auto timer = TakeFirst()) timer->action(timer->info);
     }
 
-private:
-    MainLoop() {
-        static GSourceFuncs functions = {Prepare, nullptr, Dispatch, nullptr, nullptr, nullptr};
-        GSource *source = g_source_new(&functions, sizeof(GSource));
-        g_source_set_name(source, "vellum timers");
-        g_source_set_can_recurse(source, TRUE);
-        g_source_attach(source, nullptr);
-        g_source_unref(source); // the context keeps it
-    }
-
-    static gboolean Prepare(GSource *, gint *timeout) {
-        const bool is_ready = Get().Count() != 0;
-        *timeout = is_ready ? 0 : -1;
-        return is_ready;
-    }
-
-    static gboolean Dispatch(GSource *, GSourceFunc, gpointer) {
-        Get().Fire();
-        return G_SOURCE_CONTINUE;
-    }
-
     size_t Count() noexcept {
         const std::lock_guard lock(mutex_);
         return timers_.size();
     }
+
+private:
+    static constexpr int kCounterFlags = EFD_NONBLOCK | EFD_CLOEXEC;
 
     std::optional<Timer> TakeFirst() noexcept {
         const std::lock_guard lock(mutex_);
@@ -92,29 +94,83 @@ private:
     // Makes the descriptor readable. It is so already where the counter is full.
     void Signal() noexcept {
         const uint64_t one = 1;
-        if (descriptor_ >= 0) static_cast<void>(!::write(descriptor_, &one, sizeof one));
+        if (HasCounter()) static_cast<void>(!::write(descriptor_, &one, sizeof one));
     }
 
     void Acknowledge() noexcept {
         const std::lock_guard lock(mutex_);
         uint64_t count;
-        if (descriptor_ >= 0) static_cast<void>(!::read(descriptor_, &count, sizeof count));
+        if (HasCounter()) static_cast<void>(!::read(descriptor_, &count, sizeof count));
+    }
+
+    // Whether the descriptor is there and this process's own; one of the parent's gives way to another
+    // counter under its number. One that the program has closed, and may have opened as something else, is
+    // left alone.
+    bool HasCounter() noexcept {
+        if (descriptor_ < 0) return false;
+        if (FileOf::Descriptor(descriptor_) != counter_) {
+            descriptor_ = -1;
+            return false;
+        }
+        if (is_inherited_) {
+            const TDescriptor fresh(::eventfd(0, kCounterFlags));
+            is_inherited_ = !fresh.IsOpen() || ::dup3(fresh.Get(), descriptor_, O_CLOEXEC) < 0;
+        }
+        return !is_inherited_;
     }
 
     std::mutex mutex_; // guards what follows
     std::deque<Timer> timers_;
-    int descriptor_ = -1; // an event counter, once it has been asked for
+    std::atomic<int> descriptor_; // an event counter, once it has been asked for
+    bool is_inherited_;           // the counter is still the parent's
+    FileOf counter_;              // what the descriptor led to when it was made
 };
+
+constinit PerProcess<MainLoop> sMainLoop;
+
+// One source stands in GLib's default context for all timers: it is ready while one of them waits.
+// Adding a timer so costs GLib nothing, and never makes it abort for want of memory. A process that is
+// forked inherits the source with the context.
+gboolean Prepare(GSource *, gint *timeout) noexcept {
+    bool is_ready = false;
+    try {
+        is_ready = sMainLoop.Get().Count() != 0;
+    } catch (...) { // memory is exhausted: this process has no timers yet
+    }
+    *timeout = is_ready ? 0 : -1;
+    return is_ready;
+}
+
+gboolean Dispatch(GSource *, GSourceFunc, gpointer) noexcept {
+    FireMainLoopTimers();
+    return G_SOURCE_CONTINUE;
+}
+
+bool AttachSource() {
+    static GSourceFuncs functions = {Prepare, nullptr, Dispatch, nullptr, nullptr, nullptr};
+    GSource *source = g_source_new(&functions, sizeof(GSource));
+    g_source_set_name(source, "vellum timers");
+    g_source_set_can_recurse(source, TRUE);
+    g_source_attach(source, nullptr);
+    g_source_unref(source); // the context keeps it
+    return true;
+}
+
+MainLoop &Loop() {
+    static const bool is_attached = AttachSource();
+    static_cast<void>(is_attached);
+    return sMainLoop.Get();
+}
 
 } // namespace
 
 void AddMainLoopTimer(TimerAction action, void *info) {
-    MainLoop::Get().Add({action, info});
+    Loop().Add({action, info});
 }
 
 int MainLoopDescriptor() noexcept {
     try {
-        return MainLoop::Get().Descriptor();
+        return Loop().Descriptor();
     } catch (...) { // memory is exhausted
         return -1;
     }
@@ -122,7 +178,7 @@ int MainLoopDescriptor() noexcept {
 
 void FireMainLoopTimers() noexcept {
     try {
-        MainLoop::Get().Fire();
+        Loop().Fire();
     } catch (...) { // memory is exhausted: there is no loop, and no timer
     }
 }

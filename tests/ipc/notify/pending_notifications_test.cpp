@@ -95,6 +95,29 @@ TEST_F(Pending, AreAllTakenWhenTheSecondHalfComesBetweenTheTwo) {
     EXPECT_FALSE(pending.Take());
 }
 
+TEST_F(Pending, AreNoMoreThanThatFontsAreToBeAskedForAgainWhenTooManyFontsWait) {
+    Fill();
+    for (size_t i = 0; i <= PendingNotifications::kMostJoined; ++i) {
+        const std::string font = "temporary " + std::to_string(i);
+        Add(AddedInfo({font}));
+        Add(RemovedInfo({font}));
+    }
+    Add(AddedInfo({"a"}));
+    const auto taken = TakeAll();
+    ASSERT_EQ(taken.size(), PendingNotifications::kMostKept + 1);
+    EXPECT_EQ(taken.back(), Added({}));
+    EXPECT_FALSE(pending.Take());
+    Add(RemovedInfo({"a"}));
+    EXPECT_THAT(TakeAll(), ElementsAre(Removed({"a"})));
+}
+
+TEST_F(Pending, TellOfAFontThatWentThoughItCameFirst) {
+    Fill();
+    Add(AddedInfo({"there before, and announced again"}));
+    Add(RemovedInfo({"there before, and announced again"}));
+    EXPECT_EQ(TakeAll().back(), Removed({"there before, and announced again"}));
+}
+
 TEST_F(Pending, AskAgainForCallsThatWereCancelled) {
     EXPECT_EQ(pending.Add(AddedInfo({"a"})), 1u);
     pending.CancelCalls(1);

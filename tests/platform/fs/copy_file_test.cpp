@@ -112,6 +112,64 @@ TEST_F(CopyingFiles, KeepsAccessControlLists) {
     EXPECT_TRUE(std::equal(std::begin(kAccessList), std::end(kAccessList), read));
 }
 
+// ---- the second fork ----
+
+TEST_F(CopyingFiles, KeepsAForkThatIsAFile) {
+    const std::string source = folder.Write("source", "x");
+    folder.Write(".rsrc/source", "fork");
+    EXPECT_EQ(CopyFile(source, folder.MakeFolder("other") + "/copy"), 0);
+    EXPECT_EQ(Content(folder.File("other/copy")), "x");
+    EXPECT_EQ(Content(folder.File("other/.rsrc/copy")), "fork");
+    EXPECT_THAT(NamesIn(folder.File("other/.rsrc")), ElementsAre("copy"));
+    EXPECT_EQ(StatusOf(folder.File("other/.rsrc/copy")).st_mode & 07777, StatusOf(source).st_mode & 07777);
+}
+
+TEST_F(CopyingFiles, KeepsAForkThatIsAnAttributeAsOne) {
+    const std::string source = folder.Write("source", "");
+    if (::setxattr(source.c_str(), "user.ResourceFork", "fork", 4, 0) != 0)
+        GTEST_SKIP() << "the file system of temporary files has no attributes";
+    EXPECT_EQ(CopyFile(source, folder.File("copy")), 0);
+    char read[10];
+    ASSERT_EQ(::getxattr(folder.File("copy").c_str(), "user.ResourceFork", read, sizeof read), 4);
+    EXPECT_EQ(std::string(read, 4), "fork");
+    EXPECT_FALSE(std::filesystem::exists(folder.File(".rsrc")));
+}
+
+// Shared memory is a file system on which files have no attributes of users, on most machines.
+TEST_F(CopyingFiles, KeepsAForkAsAFileWhereItCanBeNoAttribute) {
+    const std::string source = folder.Write("source", "x");
+    if (::setxattr(source.c_str(), "user.ResourceFork", "fork", 4, 0) != 0)
+        GTEST_SKIP() << "the file system of temporary files has no attributes";
+    ::setenv("TMPDIR", "/dev/shm", 1);
+    const TempDir shared_memory;
+    ::unsetenv("TMPDIR");
+    if (::setxattr(shared_memory.Write("try", "x").c_str(), "user.try", "x", 1, 0) == 0)
+        GTEST_SKIP() << "shared memory has attributes";
+    EXPECT_EQ(CopyFile(source, shared_memory.File("copy")), 0);
+    EXPECT_EQ(Content(shared_memory.File(".rsrc/copy")), "fork");
+}
+
+TEST_F(CopyingFiles, LeavesNoForkOfWhatLayThereBefore) {
+    const std::string source = folder.Write("source", "x");
+    folder.Write("other/copy", "old");
+    folder.Write("other/.rsrc/copy", "old fork");
+    EXPECT_EQ(CopyFile(source, folder.File("other/copy")), 0);
+    EXPECT_FALSE(std::filesystem::exists(folder.File("other/.rsrc/copy")));
+    folder.Write(".rsrc/source", "new fork");
+    EXPECT_EQ(CopyFile(source, folder.File("other/copy")), 0);
+    EXPECT_EQ(Content(folder.File("other/.rsrc/copy")), "new fork");
+}
+
+TEST_F(CopyingFiles, FailsWhereTheForkHasNoPlace) {
+    const std::string source = folder.Write("source", "x");
+    folder.Write(".rsrc/source", "fork");
+    folder.Write("other/.rsrc", "a file in the folder's place");
+    const std::string copy = folder.Write("other/copy", "old");
+    EXPECT_NE(CopyFile(source, copy), 0);
+    EXPECT_EQ(Content(copy), "old");
+    EXPECT_THAT(NamesIn(folder.File("other")), ElementsAre(".rsrc", "copy"));
+}
+
 TEST_F(CopyingFiles, FollowsALinkToTheFile) {
     folder.Write("source", "x");
     std::filesystem::create_symlink("source", folder.File("link"));
@@ -153,6 +211,15 @@ TEST_F(CopyingFiles, LeavesNothingHalfWrittenWhenThereIsNoRoom) {
     EXPECT_EQ(error, EFBIG);
     EXPECT_EQ(Content(copy), "old");
     EXPECT_THAT(NamesIn(folder.Path()), ElementsAre("copy", "source"));
+}
+
+TEST_F(CopyingFiles, TellsOneFileOfTwoPathsFromTwoFiles) {
+    const std::string a = folder.Write("a", "x"), b = folder.Write("b", "x");
+    std::filesystem::create_symlink("a", folder.File("link"));
+    EXPECT_TRUE(AreSameFile(a, folder.Path() + "/./a"));
+    EXPECT_TRUE(AreSameFile(a, folder.File("link")));
+    EXPECT_FALSE(AreSameFile(a, b));
+    EXPECT_FALSE(AreSameFile(folder.File("absent"), folder.File("absent")));
 }
 
 TEST_F(CopyingFiles, TellsEqualFilesFromOthers) {

@@ -64,6 +64,46 @@ TEST(UserTemporaryFolders, LieInTheRuntimeFolder) {
     EXPECT_EQ(UserTemporaryFolder(), "");
 }
 
+TEST(UserTemporaryFolders, AreFoundWithoutBeingMade) {
+    const TempDir folder;
+    ::setenv("XDG_RUNTIME_DIR", (folder.Path() + "/").c_str(), 1);
+    EXPECT_EQ(UserTemporaryFolder(CheckPrivateFolder), "");
+    EXPECT_FALSE(std::filesystem::exists(folder.File("vellum")));
+    EXPECT_EQ(UserTemporaryFolder(), folder.File("vellum"));
+    EXPECT_EQ(UserTemporaryFolder(CheckPrivateFolder), folder.File("vellum"));
+}
+
+// As for a program that was started with another user's rights and the caller's environment.
+TEST(UserTemporaryFolders, AreNotMadeInARuntimeFolderOfSomebodyElse) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
+    const TempDir folder;
+    const std::string other = folder.MakeFolder("other");
+    ASSERT_EQ(::chmod(other.c_str(), 0700), 0);
+    ASSERT_EQ(::chown(other.c_str(), 65534, 65534), 0);
+    ::setenv("XDG_RUNTIME_DIR", other.c_str(), 1);
+    EXPECT_EQ(UserTemporaryFolder(), "");
+    EXPECT_TRUE(std::filesystem::is_empty(other));
+}
+
+TEST(UserTemporaryFolders, AreNotMadeWhereOthersMayWriteOrBehindALink) {
+    const TempDir folder;
+    for (const mode_t mode : {0770u, 0702u, 01777u}) {
+        const std::string open = folder.MakeFolder("open-" + std::to_string(mode));
+        ASSERT_EQ(::chmod(open.c_str(), mode), 0);
+        ::setenv("XDG_RUNTIME_DIR", open.c_str(), 1);
+        EXPECT_EQ(UserTemporaryFolder(), "") << mode;
+        EXPECT_TRUE(std::filesystem::is_empty(open));
+    }
+    const std::string own = folder.MakeFolder("own");
+    ASSERT_EQ(::chmod(own.c_str(), 0700), 0);
+    std::filesystem::create_symlink("own", folder.File("link"));
+    for (const char *slashes : {"", "/", "//"}) {
+        ::setenv("XDG_RUNTIME_DIR", (folder.File("link") + slashes).c_str(), 1);
+        EXPECT_EQ(UserTemporaryFolder(), "") << slashes;
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(own));
+}
+
 TEST(UserTemporaryFolders, AreNoneWithoutARuntimeFolder) {
     ::unsetenv("XDG_RUNTIME_DIR");
     EXPECT_EQ(UserTemporaryFolder(), "");

@@ -4,6 +4,8 @@
 #include <glib.h>
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <thread>
 #include <vector>
@@ -113,6 +115,71 @@ TEST(MainLoop, MakesTheDescriptorReadableForWhatATimerAdds) {
     FireMainLoopTimers();
     EXPECT_THAT(fired, ElementsAre(0, 1));
     EXPECT_FALSE(IsReadable(descriptor));
+}
+
+// Whether `check` is true in a process that is forked here.
+template <class Check>
+bool HoldsInAChild(Check check) {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(check() ? 0 : 1);
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(MainLoop, OfAForkedProcessTakesNothingFromTheParents) {
+    const int descriptor = MainLoopDescriptor();
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_TRUE(HoldsInAChild([] {
+        FireMainLoopTimers();
+        g_main_context_iteration(nullptr, FALSE);
+        return fired.empty();
+    }));
+    EXPECT_TRUE(IsReadable(descriptor));
+    FireMainLoopTimers();
+    EXPECT_THAT(fired, ElementsAre(1));
+}
+
+TEST(MainLoop, OfAForkedProcessHasADescriptorOfItsOwnUnderTheSameNumber) {
+    const int descriptor = MainLoopDescriptor();
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_TRUE(HoldsInAChild([descriptor] {
+        if (MainLoopDescriptor() != descriptor || IsReadable(descriptor)) return false;
+        AddMainLoopTimer(Fire<2>, nullptr);
+        if (!IsReadable(descriptor)) return false;
+        FireMainLoopTimers();
+        return fired == std::vector{2} && !IsReadable(descriptor);
+    }));
+    EXPECT_TRUE(IsReadable(descriptor));
+    FireMainLoopTimers();
+    EXPECT_FALSE(IsReadable(descriptor));
+    EXPECT_TRUE(HoldsInAChild([] { // whose timers the parent does not see
+        AddMainLoopTimer(Fire<3>, nullptr);
+        return true;
+    }));
+    EXPECT_FALSE(IsReadable(descriptor));
+}
+
+TEST(MainLoop, OfAForkedProcessIsGLibsToo) {
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_TRUE(HoldsInAChild([] {
+        AddMainLoopTimer(Fire<2>, nullptr);
+        while (g_main_context_iteration(nullptr, FALSE)) {
+        }
+        return fired == std::vector{2};
+    }));
+}
+
+TEST(MainLoop, NeitherReadsNorWritesWhatAProgramOpenedInPlaceOfTheDescriptor) {
+    const int descriptor = MainLoopDescriptor();
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::dup2(ends[1], descriptor), descriptor);
+    AddMainLoopTimer(Fire<1>, nullptr);
+    EXPECT_FALSE(IsReadable(ends[0]));
+    EXPECT_NE(MainLoopDescriptor(), descriptor);
+    EXPECT_TRUE(IsReadable(MainLoopDescriptor()));
+    for (const int end : {ends[0], ends[1], descriptor}) ::close(end);
 }
 
 TEST(ConcurrentMainLoop, FiresEachTimerOfManyThreadsOnce) {

@@ -125,6 +125,15 @@ TEST(MemoryBlock, IsEmptyWhenDescriptorsAreExhausted) {
     EXPECT_EQ(block.Size(), 0U);
 }
 
+TEST(MemoryBlock, HoldsASmallCopyWithoutADescriptor) {
+    const MemoryBlock block = MemoryBlock::CreateSmall("small", 5);
+    ASSERT_EQ(block.Size(), kPage);
+    const std::string bytes(reinterpret_cast<const char *>(block.Bytes()), block.Size());
+    EXPECT_EQ(bytes, "small" + std::string(kPage - 5, '\0'));
+    EXPECT_EQ(block.Descriptor(), -1);
+    EXPECT_EQ(MemoryBlock::CreateSmall("", 0).Bytes(), nullptr);
+}
+
 TEST(MemoryBlock, MovesAndLeavesNothingBehind) {
     MemoryBlock block = Sealed("m");
     const uint8_t *address = block.Bytes();

@@ -4,6 +4,7 @@
 #include <vellum/fount.h>
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 #define EXPORT __attribute__((visibility("default")))
@@ -11,6 +12,11 @@
 EXPORT char SpyLog[1 << 20];
 EXPORT uint32_t SpyNextContainer = 100;
 EXPORT uint32_t SpyFontCount = 1;
+
+/* Code may ask for fonts while it is loaded. */
+__attribute__((constructor)) static void AskWhileLoaded(void) {
+    if (getenv("SPY_FOUNT_ASKS")) ValRelease(VLCopyAvailableFontNames(kVLScopeAll));
+}
 
 static void Note(const char *text) {
     strncat(SpyLog, text, sizeof SpyLog - strlen(SpyLog) - 1);
