@@ -10,7 +10,7 @@ VELLUM_FONT_FOLDERS=(/usr/share/fonts /usr/local/share/fonts /usr/share/texmf/fo
 # What the release preset needs: it also looks for the test and benchmark libraries.
 VELLUM_BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config
-    libharfbuzz-dev libfreetype-dev libglib2.0-dev libexpat1-dev libicu-dev libfontconfig-dev
+    libharfbuzz-dev libfreetype-dev libglib2.0-dev libexpat1-dev libicu-dev libfontconfig-dev libsqlite3-dev
     libcli11-dev nlohmann-json3-dev
     libgtest-dev libgmock-dev libbenchmark-dev
 )

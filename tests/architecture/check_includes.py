@@ -13,6 +13,7 @@ FLOORS = {
     "platform": 0,
     "values": 1,
     "ipc/encoding": 2,
+    "ipc/messages": 2,
     "ipc/session": 2,
     "ipc/stream": 2,
     "describe": 3,
@@ -38,7 +39,8 @@ OUTSIDE_HEADERS = [
     (re.compile(r"ft2build\.h$|freetype/|freetype2/"), {"platform"}),
     (re.compile(r"expat\w*\.h$"), {"platform"}),
     (re.compile(r"unicode/"), {"platform"}),
-    (re.compile(r"sys/"), {"platform", "tools"}),
+    (re.compile(r"sys/"), {"platform", "tools", "server"}),
+    (re.compile(r"sqlite3\.h$"), {"server"}),
     (re.compile(r"CLI/|nlohmann/"), {"tools"}),
 ]
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The shared register is the font server's. Where that is ignored, and as long as this library has
-// no client for it, a register in this process with the system's fonts stands in for it.
 #include "frame/handles/global_glyphary.hpp"
 
+#include "frame/registry/generation_seed.hpp"
+#include "ipc/client/global_glyphary_imp.hpp"
+#include "ipc/client/request_cache.hpp"
 #include "ipc/notify/change_notifications.hpp"
+#include "platform/log/log.hpp"
 #include "platform/process/process.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "store/system_fonts.hpp"
@@ -20,32 +22,113 @@ namespace vellum {
 namespace {
 
 constinit std::atomic<const TGlypharyImp *> sRegistry{nullptr};
+constinit std::atomic<bool> sIsServers{false}; // sRegistry is the font server's proxy
 pthread_once_t sOnce = PTHREAD_ONCE_INIT;
+
+std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
+    auto registry = std::make_unique<TLocalGlypharyImp>();
+    RegisterSystemFontsLocally(*registry);
+    return registry;
+}
+
+std::unique_ptr<TGlypharyImp> MakeProxy() {
+    auto proxy = std::make_unique<TGlobalGlypharyImp>();
+    ObserveSharedChanges();
+    return proxy;
+}
 
 // Runs once in a process; nothing may be thrown out of it, and nothing is ever torn down.
 void CreateRegistry() noexcept {
     try {
-        auto registry = std::make_unique<TLocalGlypharyImp>();
-        RegisterSystemFontsLocally(*registry);
-        if (TGlobalGlyphary::IsServerIgnored())
-            KeepSharedChangesInProcess();
-        else
-            ObserveSharedChanges();
+        const bool is_ignored = TGlobalGlyphary::IsServerIgnored();
+        auto registry = is_ignored ? MakeRegisterOfSystemFonts() : MakeProxy();
+        if (is_ignored) KeepSharedChangesInProcess();
+        sIsServers.store(!is_ignored, std::memory_order_relaxed);
         sRegistry.store(registry.release(), std::memory_order_release);
     } catch (...) { // memory is exhausted: this process stays without a shared register
     }
 }
 
+// Puts a register in this process in the place of the proxy, which is locked, and is left to itself.
+void LeaveServer() {
+    Log(LogLevel::kError, "Could not retrieve fonts from the server! Registering system fonts locally...");
+    auto registry = MakeRegisterOfSystemFonts();
+    KeepSharedChangesInProcess();
+    sIsServers.store(false, std::memory_order_relaxed);
+    sRegistry.store(registry.release(), std::memory_order_release);
+    TGenerationSeed::UpdateGeneration();
+}
+
+// What the cache has for a question, if it is a T, or what `ask` answers, which is kept. An answer that
+// nothing was found is kept as well, and asked for again.
+template <class T, class Ask>
+Ref<const T> CachedOr(const void *question, Ask ask) {
+    const TRequestCache cache;
+    if (auto cached = Retain(Cast<T>(cache.CopyResultForRequest(question, 0).Get()))) return cached;
+    Ref<const T> answer = ask();
+    cache.AddResultForRequest(answer.Get(), question, 0);
+    return answer;
+}
+
 } // namespace
 
-const TGlypharyImp &TGlobalGlyphary::Registry() {
+const TGlypharyImp &TGlobalGlyphary::Current() const {
     ::pthread_once(&sOnce, CreateRegistry);
     const TGlypharyImp *registry = sRegistry.load(std::memory_order_acquire);
     if (!registry) throw std::bad_alloc();
     return *registry;
 }
 
-TGlobalGlyphary::TGlobalGlyphary() : TGlypharyHandle(Registry()) {}
+TGlobalGlyphary::TGlobalGlyphary() {
+    Current();
+}
+
+Ref<const ValURL> TGlobalGlyphary::CopyFontForName(const ValString *name, VLScope scope) const {
+    return CachedOr<ValURL>(name, [&] { return Locked().CopyFontForName(name, scope); });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyFontsForURL(const ValURL *url, VLScope scope) const {
+    return CachedOr<ValArray>(url, [&] { return Locked().CopyFontsForURL(url, scope); });
+}
+
+Ref<const ValURL> TGlobalGlyphary::CopyFontForRequest(const ValDictionary *request, VLScope scope) const {
+    return CachedOr<ValURL>(request, [&] { return Locked().CopyFontForRequest(request, scope); });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyFontsForRequest(const ValDictionary *request,
+                                                         VLScope scope) const {
+    return CachedOr<ValArray>(request, [&] { return Locked().CopyFontsForRequest(request, scope); });
+}
+
+// `list(register)` is asked again when another register has taken the place of the first.
+template <class List>
+Ref<const ValArray> TGlobalGlyphary::ListOrFallBack(List list) const {
+    auto items = list(Locked());
+    if (ValArrayGetCount(items.Get()) > 0 || !sIsServers.load(std::memory_order_relaxed)) return items;
+    LeaveServer();
+    Lock();
+    return list(Locked());
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyAvailableFontNames(VLScope scope) const {
+    return ListOrFallBack([&](const TGlypharyImp &fonts) { return fonts.CopyAvailableFontNames(scope); });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyAvailableFontFamilyNames(VLScope scope) const {
+    return ListOrFallBack(
+        [&](const TGlypharyImp &fonts) { return fonts.CopyAvailableFontFamilyNames(scope); });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyAvailableFontURLs(VLScope scope) const {
+    return ListOrFallBack([&](const TGlypharyImp &fonts) { return fonts.CopyAvailableFontURLs(scope); });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                                uint32_t reserved) const {
+    return ListOrFallBack([&](const TGlypharyImp &fonts) {
+        return fonts.CopyFamilyNamesForLanguage(language, scope, reserved);
+    });
+}
 
 bool TGlobalGlyphary::IsCreated() noexcept {
     return sRegistry.load(std::memory_order_acquire) != nullptr;

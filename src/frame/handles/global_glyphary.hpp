@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: MIT
 // TGlobalGlyphary: the handle of the shared register.
+//
+// It asks the calling thread's cache before the register, and only locks the register when the cache does
+// not know: a cached answer never waits for the font server. Where the server has no fonts to list, a
+// register in this process takes its place for good.
 #pragma once
 
 #include "frame/handles/glyphary.hpp"
@@ -8,15 +12,28 @@ namespace vellum {
 
 class TGlobalGlyphary final : public TGlypharyHandle<TGlypharyImp> {
 public:
-    // Makes the register if it is not there yet, and locks it. Throws std::bad_alloc when it could
-    // not be made.
+    // Makes the register if it is not there yet. Throws std::bad_alloc when it could not be made.
     TGlobalGlyphary();
 
+    // ---- cached, under one operation code: what is asked by a name, by a URL and by a request are values
+    // of different kinds; the two that take a request share their answers, and pass over each other's ----
+    Ref<const ValURL> CopyFontForName(const ValString *name, VLScope scope) const override;
+    Ref<const ValArray> CopyFontsForURL(const ValURL *url, VLScope scope) const override;
+    Ref<const ValURL> CopyFontForRequest(const ValDictionary *request, VLScope scope) const override;
+    Ref<const ValArray> CopyFontsForRequest(const ValDictionary *request, VLScope scope) const override;
+
+    // ---- where nothing is listed, the process's own fonts of the system are, from then on ----
+    Ref<const ValArray> CopyAvailableFontNames(VLScope scope) const override;
+    Ref<const ValArray> CopyAvailableFontFamilyNames(VLScope scope) const override;
+    Ref<const ValArray> CopyAvailableFontURLs(VLScope scope) const override;
+    Ref<const ValArray> CopyFamilyNamesForLanguage(const ValString *language, VLScope scope,
+                                                   uint32_t reserved) const override;
+
     Ref<VLMessagePort> CreateFontProviderPort(const FontProviderBlock &block) const {
-        return registry_->CreateFontProviderPort(block);
+        return Locked().CreateFontProviderPort(block);
     }
     Ref<const ValArray> CopyRemoteFontProviderPorts() const {
-        return registry_->CopyRemoteFontProviderPorts();
+        return Locked().CopyRemoteFontProviderPorts();
     }
 
     // True once the register exists.
@@ -27,7 +44,10 @@ public:
     static bool IsServerIgnored() noexcept;
 
 private:
-    static const TGlypharyImp &Registry();
+    const TGlypharyImp &Current() const override;
+
+    template <class List>
+    Ref<const ValArray> ListOrFallBack(List list) const;
 };
 
 } // namespace vellum

@@ -28,14 +28,16 @@ void CreateRegistry() noexcept {
 
 } // namespace
 
-const TLocalGlypharyImp &TLocalGlyphary::Registry() {
+const TLocalGlypharyImp &TLocalGlyphary::Current() const {
     ::pthread_once(&sOnce, CreateRegistry);
     const TLocalGlypharyImp *registry = sRegistry.load(std::memory_order_acquire);
     if (!registry) throw std::bad_alloc();
     return *registry;
 }
 
-TLocalGlyphary::TLocalGlyphary() : TGlypharyHandle(Registry()) {}
+TLocalGlyphary::TLocalGlyphary() {
+    Lock();
+}
 
 bool TLocalGlyphary::IsCreated() noexcept {
     return sRegistry.load(std::memory_order_acquire) != nullptr;

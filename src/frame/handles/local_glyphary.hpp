@@ -16,24 +16,24 @@ public:
     // Fonts in memory.
     bool RegisterDataFont(const ValData *data, uint32_t legacy_container, VLFontFlags flags,
                           VLScope scope) const {
-        return registry_->RegisterDataFont(data, legacy_container, flags, scope);
+        return Locked().RegisterDataFont(data, legacy_container, flags, scope);
     }
     bool UnregisterDataFont(const ValData *data, VLScope scope) const {
-        return registry_->UnregisterDataFont(data, scope);
+        return Locked().UnregisterDataFont(data, scope);
     }
     const GxFont *GetDataFont(const ValData *data, uint32_t *legacy_container) const {
-        return registry_->GetDataFont(data, legacy_container);
+        return Locked().GetDataFont(data, legacy_container);
     }
-    uint32_t GetDataFontFountFont(const ValURL *url) const { return registry_->GetDataFontFountFont(url); }
+    uint32_t GetDataFontFountFont(const ValURL *url) const { return Locked().GetDataFontFountFont(url); }
     Ref<const ValURL> CopyURLForDataFont(const ValData *data, uint32_t legacy_font) const {
-        return registry_->CopyURLForDataFont(data, legacy_font);
+        return Locked().CopyURLForDataFont(data, legacy_font);
     }
 
     // True once the register exists.
     static bool IsCreated() noexcept;
 
 private:
-    static const TLocalGlypharyImp &Registry();
+    const TLocalGlypharyImp &Current() const override;
 };
 
 } // namespace vellum

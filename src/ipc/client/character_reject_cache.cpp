@@ -2,7 +2,7 @@
 #include "ipc/client/character_reject_cache.hpp"
 
 #include "frame/registry/generation_seed.hpp"
-#include "ipc/client/per_thread.hpp"
+#include "platform/process/per_thread.hpp"
 
 #include <new>
 

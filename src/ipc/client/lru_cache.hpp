@@ -6,7 +6,7 @@
 #pragma once
 
 #include "frame/registry/generation_seed.hpp"
-#include "ipc/client/per_thread.hpp"
+#include "platform/process/per_thread.hpp"
 
 #include <array>
 #include <cstddef>

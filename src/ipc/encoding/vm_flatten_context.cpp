@@ -10,19 +10,26 @@ namespace vellum {
 
 namespace {
 
-// What is written before it goes to the pages: little enough for the cache next to the processor.
+// What is written before it goes to the pages: little enough for the cache next to the processor. What is
+// no longer than that never gets pages of its own.
 constexpr size_t kPieceSize = size_t{1} << 16;
 
 } // namespace
 
 TValVMFlattenContext::TValVMFlattenContext(const void *value) noexcept {
     if (!value) return;
-    block_ = MemoryBlock::Create();
     const size_t estimate = EstimateFlattenedSize(value, kPieceSize);
     SetOutput(Adopt(ValDataCreateMutable(std::min(estimate, kPieceSize))));
     Flatten(value);
-    if (!(IsOk() && Flush() && block_.Seal())) Fail();
+    if (!(IsOk() && Finish())) Fail();
     Close();
+}
+
+bool TValVMFlattenContext::Finish() noexcept {
+    if (length_ || Output()->length > kPieceSize) return Flush() && block_.Seal();
+    length_ = Output()->length;
+    block_ = MemoryBlock::CreateSmall(Output()->bytes, length_);
+    return block_.Bytes();
 }
 
 void TValVMFlattenContext::Fail() noexcept {
@@ -32,6 +39,8 @@ void TValVMFlattenContext::Fail() noexcept {
 }
 
 bool TValVMFlattenContext::Flush() noexcept {
+    if (Output()->length == 0) return true;
+    if (length_ == 0) block_ = MemoryBlock::Create();
     if (!block_.Append(Output()->bytes, Output()->length)) return false;
     length_ += std::exchange(Output()->length, 0);
     return true;

@@ -39,6 +39,7 @@ private:
     void Fail() noexcept override;
     bool MakeRoom(size_t bytes) noexcept override;
     bool Flush() noexcept;
+    bool Finish() noexcept;
 
     MemoryBlock block_;
     size_t length_ = 0; // of what is in the block

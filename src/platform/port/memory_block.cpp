@@ -7,13 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace vellum {
 namespace {
-
-// What a receiver asks for before it maps.
-constexpr int kSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
 // Linux 6.3 and later; some systems give no memory files without it.
 #ifndef MFD_NOEXEC_SEAL
@@ -50,7 +49,10 @@ MemoryBlock::~MemoryBlock() {
 }
 
 void MemoryBlock::Free() noexcept {
-    if (bytes_) ::munmap(bytes_, size_);
+    if (descriptor_ < 0)
+        std::free(bytes_);
+    else if (bytes_)
+        ::munmap(bytes_, size_);
     if (descriptor_ >= 0) ::close(descriptor_);
     bytes_ = nullptr;
     size_ = 0;
@@ -62,6 +64,18 @@ MemoryBlock MemoryBlock::Create() noexcept {
     constexpr unsigned kFlags = MFD_CLOEXEC | MFD_ALLOW_SEALING;
     block.descriptor_ = ::memfd_create("vellum", kFlags | MFD_NOEXEC_SEAL);
     if (block.descriptor_ < 0 && errno == EINVAL) block.descriptor_ = ::memfd_create("vellum", kFlags);
+    return block;
+}
+
+MemoryBlock MemoryBlock::CreateSmall(const void *bytes, size_t length) noexcept {
+    MemoryBlock block;
+    if (length == 0) return block;
+    const size_t size = RoundToPages(length);
+    block.bytes_ = static_cast<uint8_t *>(std::malloc(size));
+    if (!block.bytes_) return block;
+    std::memcpy(block.bytes_, bytes, length);
+    std::memset(block.bytes_ + length, 0, size - length);
+    block.size_ = size;
     return block;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Whole pages of memory that can travel to another process: written once, then sealed.
+// Whole pages of memory that travel to another process: written once, then sealed.
 #pragma once
+
+#include <fcntl.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +12,9 @@ namespace vellum {
 // A block is empty, or open and being written, or sealed. Its memory and its descriptor end with it.
 class MemoryBlock {
 public:
+    // What a block gets, and what a receiver asks for before it maps.
+    static constexpr int kSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+
     // Empty.
     MemoryBlock() noexcept = default;
     MemoryBlock(MemoryBlock &&other) noexcept;
@@ -18,6 +23,10 @@ public:
 
     // An open block without bytes; an empty one when descriptors are exhausted.
     static MemoryBlock Create() noexcept;
+
+    // A sealed block of this process's memory that holds the bytes: what is small travels faster by being
+    // copied. It has no descriptor. Empty for no bytes, and when memory is exhausted.
+    static MemoryBlock CreateSmall(const void *bytes, size_t length) noexcept;
 
     // Adds bytes to an open block. Handing them to the system in pieces that fit the processor's cache
     // is several times as fast as writing to mapped pages, each of which would fault. False, with the
@@ -33,7 +42,8 @@ public:
     const uint8_t *Bytes() const noexcept { return bytes_; }
     size_t Size() const noexcept { return bytes_ ? size_ : 0; }
 
-    // What is sent to the receiver (borrowed); -1 for an empty block.
+    // What is sent to the receiver (borrowed); -1 for an empty block, and for a small one, whose bytes are
+    // sent themselves.
     int Descriptor() const noexcept { return descriptor_; }
 
 private:

@@ -46,15 +46,25 @@ TEST(VMFlatten, HoldsAValueOfManyPieces) {
 }
 
 TEST(VMFlatten, TakesNoMorePagesThanTheBytesNeed) {
-    const std::string text(4 * kPage, 'x'); // estimated at three bytes a character
+    const std::string text(40 * kPage, 'x'); // estimated at three bytes a character
     TValVMFlattenContext context(String(text).Get());
-    EXPECT_EQ(context.GetBufferSize(), 5 * kPage);
-    EXPECT_EQ(context.GetLength(), 4 * kPage + 8);
-    EXPECT_EQ(lseek(context.OrphanBuffer().Descriptor(), 0, SEEK_END), static_cast<off_t>(5 * kPage));
+    EXPECT_EQ(context.GetBufferSize(), 41 * kPage);
+    EXPECT_EQ(context.GetLength(), 40 * kPage + 8);
+    EXPECT_EQ(lseek(context.OrphanBuffer().Descriptor(), 0, SEEK_END), static_cast<off_t>(41 * kPage));
+}
+
+// More than is copied into a message.
+Ref<const ValString> Large() {
+    return String(std::string(100'000, 'x'));
+}
+
+TEST(VMFlatten, NeedsNoDescriptorForASmallValue) {
+    TValVMFlattenContext context(kValBooleanTrue);
+    EXPECT_EQ(context.OrphanBuffer().Descriptor(), -1);
 }
 
 TEST(VMFlatten, SealsTheBlock) {
-    TValVMFlattenContext context(kValBooleanTrue);
+    TValVMFlattenContext context(Large().Get());
     const MemoryBlock block = context.OrphanBuffer();
     constexpr int kSeals = F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
     EXPECT_EQ(fcntl(block.Descriptor(), F_GET_SEALS) & kSeals, kSeals);
@@ -83,10 +93,10 @@ TEST(VMFlatten, KeepsABlockThatOutlivesTheContext) {
 TEST(VMFlatten, GivesItsBlockBackUnlessItWasOrphaned) {
     int descriptor = -1;
     {
-        TValVMFlattenContext context(kValBooleanTrue);
+        TValVMFlattenContext context(Large().Get());
         descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
     }
-    TValVMFlattenContext next(kValBooleanTrue); // its descriptor is the lower one that became free
+    TValVMFlattenContext next(Large().Get()); // its descriptor is the lower one that became free
     EXPECT_LT(next.OrphanBuffer().Descriptor(), descriptor);
     close(descriptor);
 }
@@ -130,8 +140,9 @@ TEST(VMFlatten, HasNoBlockWhenTheSystemHasNoRoom) {
     rlimit limit;
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
     const rlimit none = {0, limit.rlim_max};
+    const auto value = Large();
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
-    TValVMFlattenContext context(kValBooleanTrue);
+    TValVMFlattenContext context(value.Get());
     setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ(context.GetBuffer(), nullptr);
     EXPECT_EQ(context.GetBufferSize(), 0U);

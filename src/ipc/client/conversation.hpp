@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// What the proxy's operations are made of: sending until it is done, values out of replies, values into
+// requests. Included by the files that define TGlobalGlypharyImp.
+#pragma once
+
+#include "ipc/client/global_glyphary_imp.hpp"
+#include "ipc/encoding/travelling_values.hpp"
+#include "platform/log/log.hpp"
+#include "platform/process/passing_failures.hpp"
+#include "platform/val/string.hpp"
+#include "values/val_cast.hpp"
+#include "values/val_url.hpp"
+
+#include <optional>
+
+namespace vellum {
+
+// The text of a URL as it stands in a message; nothing when it does not fit or there is none.
+inline std::optional<std::string_view> TextOnTheWire(const ValURL *url) noexcept {
+    const std::string_view text = vellum::Text(ValURLGetString(url));
+    if (text.empty() || text.size() >= kLongestURL) return std::nullopt;
+    return text;
+}
+
+inline void LogFailure(const char *operation, MachCode code) noexcept {
+    Log(LogLevel::kError, "Laydown %s received mig IPC error (%lX) from font server", operation,
+        static_cast<long>(static_cast<int32_t>(code)));
+}
+
+template <class Send>
+bool TGlobalGlypharyImp::Converse(const char *operation, Send send) const {
+    for (uint32_t retries = 0;;) {
+        const PortName port = GetServerPort();
+        const MachCode code = send(port);
+        if (code) LogFailure(operation, code);
+        if (SetupForIPCRetry(code, port, retries)) continue;
+        if (code) ++tPassingFailures;
+        return code == kMachSuccess;
+    }
+}
+
+template <class T, class Send>
+Ref<const T> TGlobalGlypharyImp::Ask(const char *operation, Send send) const {
+    ReplyMemory reply;
+    if (!Converse(operation, [&](PortName port) { return send(port, reply); })) return nullptr;
+    return Resurrected<T>(reply.bytes);
+}
+
+template <class Send>
+Ref<const ValURL> TGlobalGlypharyImp::AskForURL(const char *operation, Send send) const {
+    std::string text;
+    if (!Converse(operation, [&](PortName port) { return send(port, text); })) return nullptr;
+    return TValURL::FromText(text).Ref();
+}
+
+} // namespace vellum

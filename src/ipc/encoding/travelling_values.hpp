@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Values into the memory of a message, and out of it: for both ends.
+#pragma once
+
+#include "ipc/encoding/resurrect_context.hpp"
+#include "ipc/encoding/vm_flatten_context.hpp"
+#include "platform/port/message.hpp"
+#include "values/val_cast.hpp"
+
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace vellum {
+
+// The value as it travels; nothing for null, and for what cannot be flattened. Throws std::bad_alloc.
+inline std::optional<OutgoingMemory> Flattened(const void *value) {
+    TValVMFlattenContext context(value);
+    const size_t length = context.GetLength();
+    if (!context.GetBuffer()) return std::nullopt;
+    return OutgoingMemory{std::make_shared<const MemoryBlock>(context.OrphanBuffer()), length};
+}
+
+// The value that has travelled, if it is a T; null for anything else, and for no bytes.
+template <class T>
+Ref<const T> Resurrected(std::span<const uint8_t> bytes) noexcept {
+    TValResurrectContext context(bytes.data(), bytes.size());
+    return bytes.empty() ? nullptr : Retain(Cast<T>(context.Resurrect().Get()));
+}
+
+} // namespace vellum

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "platform/port/packet.hpp"
+
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+namespace vellum {
+
+namespace {
+
+// More than a message may bring, so that one too many is seen, and closed.
+constexpr size_t kMostDescriptorsReceived = kMachMostDescriptors + 1;
+
+PacketResult ResultOfErrno() noexcept {
+    switch (errno) {
+    case EAGAIN:
+#if EWOULDBLOCK != EAGAIN
+    case EWOULDBLOCK:
+#endif
+        return PacketResult::kWouldBlock;
+    case ENOBUFS:
+    case ENOMEM:
+    case EMFILE:
+    case ENFILE:
+    case ETOOMANYREFS:
+        return PacketResult::kNoRoom;
+    case EMSGSIZE:
+    case EINVAL:
+        return PacketResult::kMalformed;
+    default:
+        return PacketResult::kClosed;
+    }
+}
+
+// What goes out in one call. The pieces are borrowed.
+class OutgoingPacket {
+public:
+    OutgoingPacket(uint64_t instance, const OutgoingMessage &message) noexcept {
+        Add(&header_, sizeof header_);
+        Add(message.Bytes().data(), message.Bytes().size());
+        header_ = {kPacketMagic, static_cast<uint32_t>(message.Bytes().size()), 0, 0, instance};
+        for (size_t i = 0; i < message.Memory().size(); ++i) AddMemory(i, message.Memory()[i]);
+    }
+
+    PacketResult Send(int socket, bool wait) noexcept {
+        msghdr header = {};
+        header.msg_iov = pieces_.data();
+        header.msg_iovlen = piece_count_;
+        if (file_count_) AttachFiles(header);
+        ssize_t sent;
+        do sent = ::sendmsg(socket, &header, MSG_NOSIGNAL | (wait ? 0 : MSG_DONTWAIT));
+        while (sent < 0 && errno == EINTR);
+        return sent < 0 ? ResultOfErrno() : PacketResult::kDone;
+    }
+
+private:
+    void Add(const void *bytes, size_t length) noexcept {
+        pieces_[piece_count_++] = {const_cast<void *>(bytes), length};
+    }
+
+    void AddMemory(size_t index, const OutgoingMemory &memory) noexcept {
+        const int file = memory.block ? memory.block->Descriptor() : -1;
+        if (file >= 0) {
+            files_[file_count_++] = file;
+            return;
+        }
+        header_.enclosed |= 1U << index;
+        Add(memory.Bytes().data(), memory.Bytes().size());
+    }
+
+    void AttachFiles(msghdr &header) noexcept {
+        const size_t size = sizeof(int) * file_count_;
+        header.msg_control = control_.data();
+        header.msg_controllen = CMSG_SPACE(size);
+        cmsghdr *control = CMSG_FIRSTHDR(&header);
+        control->cmsg_level = SOL_SOCKET;
+        control->cmsg_type = SCM_RIGHTS;
+        control->cmsg_len = CMSG_LEN(size);
+        std::memcpy(CMSG_DATA(control), files_.data(), size);
+    }
+
+    PacketHeader header_ = {};
+    std::array<iovec, 2 + kMachMostDescriptors> pieces_;
+    size_t piece_count_ = 0;
+    std::array<int, kMachMostDescriptors> files_;
+    size_t file_count_ = 0;
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * kMachMostDescriptors)> control_{};
+};
+
+// The descriptors that came; they are the receiver's from here on.
+size_t TakeDescriptors(msghdr &header,
+                       std::array<TDescriptor, kMostDescriptorsReceived> &descriptors) noexcept {
+    size_t count = 0;
+    for (cmsghdr *control = CMSG_FIRSTHDR(&header); control; control = CMSG_NXTHDR(&header, control)) {
+        if (control->cmsg_level != SOL_SOCKET || control->cmsg_type != SCM_RIGHTS) continue;
+        const size_t bytes = control->cmsg_len - CMSG_LEN(0);
+        for (size_t at = 0; at + sizeof(int) <= bytes; at += sizeof(int)) {
+            int descriptor;
+            std::memcpy(&descriptor, CMSG_DATA(control) + at, sizeof descriptor);
+            TDescriptor owned(descriptor);
+            if (count < descriptors.size()) descriptors[count++] = std::move(owned);
+        }
+    }
+    return count;
+}
+
+// The descriptors of a message that says that it has some; nothing when it cannot have them.
+bool ReadDescriptors(std::span<const uint8_t> message,
+                     std::array<MachDescriptor, kMachMostDescriptors> &descriptors,
+                     size_t &count) noexcept {
+    MachHeader header;
+    std::memcpy(&header, message.data(), sizeof header);
+    count = 0;
+    if (!(header.bits & kMachComplexBit)) return true;
+    uint32_t stated;
+    if (message.size() < sizeof header + sizeof stated) return false;
+    std::memcpy(&stated, message.data() + sizeof header, sizeof stated);
+    if (stated > kMachMostDescriptors) return false;
+    const size_t bytes = stated * sizeof(MachDescriptor);
+    if (message.size() - sizeof header - sizeof stated < bytes) return false;
+    std::memcpy(descriptors.data(), message.data() + sizeof header + sizeof stated, bytes);
+    count = stated;
+    return true;
+}
+
+} // namespace
+
+PacketResult SendPacket(int socket, uint64_t instance, const OutgoingMessage &message, bool wait) noexcept {
+    if (!message.IsWhole()) return PacketResult::kMalformed;
+    return OutgoingPacket(instance, message).Send(socket, wait);
+}
+
+PacketResult SendRefusal(int socket, uint64_t instance) noexcept {
+    const PacketHeader header = {kPacketMagic, 0, 0, 0, instance};
+    const ssize_t sent = ::send(socket, &header, sizeof header, MSG_NOSIGNAL | MSG_DONTWAIT);
+    return sent < 0 ? ResultOfErrno() : PacketResult::kDone;
+}
+
+PacketResult PacketReceiver::Receive(int socket, bool wait, IncomingMessage &message,
+                                     uint64_t &instance) noexcept {
+    if (!buffer_) buffer_.reset(new (std::nothrow) uint8_t[kLongestPacket]);
+    if (!buffer_) return PacketResult::kNoRoom;
+    iovec piece = {buffer_.get(), kLongestPacket};
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * kMostDescriptorsReceived)> control;
+    msghdr header = {};
+    header.msg_iov = &piece;
+    header.msg_iovlen = 1;
+    header.msg_control = control.data();
+    header.msg_controllen = control.size();
+    ssize_t received;
+    do received = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC | (wait ? 0 : MSG_DONTWAIT));
+    while (received < 0 && errno == EINTR);
+    if (received < 0) return ResultOfErrno();
+    std::array<TDescriptor, kMostDescriptorsReceived> descriptors;
+    const size_t count = TakeDescriptors(header, descriptors);
+    if (received == 0) return count ? PacketResult::kMalformed : PacketResult::kClosed;
+    if (header.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) return PacketResult::kMalformed;
+    return ParsePacket({buffer_.get(), static_cast<size_t>(received)}, {descriptors.data(), count}, message,
+                       instance)
+               ? PacketResult::kDone
+               : PacketResult::kMalformed;
+}
+
+bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> descriptors,
+                 IncomingMessage &message, uint64_t &instance) noexcept {
+    PacketHeader header;
+    if (packet.size() < sizeof header) return false;
+    std::memcpy(&header, packet.data(), sizeof header);
+    packet = packet.subspan(sizeof header);
+    if (header.magic != kPacketMagic || header.reserved || header.message_size > packet.size())
+        return false;
+    if (header.message_size == 0) { // a refusal
+        if (!packet.empty() || !descriptors.empty() || header.enclosed) return false;
+        message = {};
+        instance = header.instance;
+        return true;
+    }
+    IncomingMessage read;
+    read.bytes = packet.first(header.message_size);
+    packet = packet.subspan(header.message_size);
+    if (read.bytes.size() < sizeof(MachHeader) || read.bytes.size() > kMachLongestMessage ||
+        read.Header().size != read.bytes.size())
+        return false;
+    std::array<MachDescriptor, kMachMostDescriptors> stated;
+    if (!ReadDescriptors(read.bytes, stated, read.memory_count)) return false;
+    if (header.enclosed >> read.memory_count) return false;
+    size_t files = 0;
+    for (size_t i = 0; i < read.memory_count; ++i) {
+        if (stated[i].type != MachDescriptor().type || stated[i].size > kMostReceivedMemory) return false;
+        if (header.enclosed >> i & 1) {
+            if (stated[i].size > packet.size()) return false;
+            read.memory[i] = packet.first(stated[i].size);
+            packet = packet.subspan(stated[i].size);
+        } else {
+            if (files == descriptors.size()) return false;
+            auto mapping = MemoryMapping::Create(descriptors[files++].Get(), stated[i].size);
+            if (!mapping) return false;
+            read.mappings[i] = std::move(*mapping);
+            read.memory[i] = read.mappings[i].Bytes();
+        }
+    }
+    if (!packet.empty() || files != descriptors.size()) return false;
+    message = std::move(read);
+    instance = header.instance;
+    return true;
+}
+
+} // namespace vellum

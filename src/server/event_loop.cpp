@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "server/event_loop.hpp"
+
+#include <sys/epoll.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace vellum {
+
+namespace {
+
+constexpr int kEventsAtOnce = 64;
+
+uint64_t Key(int descriptor, uint32_t number) noexcept {
+    return uint64_t{number} << 32 | static_cast<uint32_t>(descriptor);
+}
+
+} // namespace
+
+EventLoop::EventLoop() : epoll_(::epoll_create1(EPOLL_CLOEXEC)) {
+    if (!epoll_.IsOpen()) throw std::system_error(errno, std::generic_category());
+}
+
+void EventLoop::Watch(int descriptor, uint32_t events, Handler handler) {
+    const uint32_t number = ++last_number_;
+    watched_[descriptor] = {number, std::make_shared<Handler>(std::move(handler))};
+    epoll_event event = {events, {.u64 = Key(descriptor, number)}};
+    if (::epoll_ctl(epoll_.Get(), EPOLL_CTL_ADD, descriptor, &event) == 0) return;
+    const int error = errno;
+    watched_.erase(descriptor);
+    throw std::system_error(error, std::generic_category());
+}
+
+void EventLoop::Change(int descriptor, uint32_t events) noexcept {
+    const auto found = watched_.find(descriptor);
+    if (found == watched_.end()) return;
+    epoll_event event = {events, {.u64 = Key(descriptor, found->second.number)}};
+    ::epoll_ctl(epoll_.Get(), EPOLL_CTL_MOD, descriptor, &event);
+}
+
+void EventLoop::Forget(int descriptor) noexcept {
+    if (watched_.erase(descriptor)) ::epoll_ctl(epoll_.Get(), EPOLL_CTL_DEL, descriptor, nullptr);
+}
+
+void EventLoop::HandleEvents() {
+    std::array<epoll_event, kEventsAtOnce> events;
+    const int count = ::epoll_wait(epoll_.Get(), events.data(), kEventsAtOnce, HasWork() ? 0 : -1);
+    for (int i = 0; i < count; ++i) {
+        const epoll_event &event = events[static_cast<size_t>(i)];
+        const auto found = watched_.find(static_cast<int>(static_cast<uint32_t>(event.data.u64)));
+        if (found == watched_.end() || found->second.number != event.data.u64 >> 32) continue;
+        const auto handler = found->second.handler;
+        (*handler)(event.events);
+    }
+}
+
+void EventLoop::Work() {
+    if (work_.empty()) return;
+    if (!work_.front()()) work_.pop();
+}
+
+void EventLoop::Run() {
+    is_running_ = true;
+    while (is_running_) {
+        HandleEvents();
+        Work();
+    }
+}
+
+} // namespace vellum

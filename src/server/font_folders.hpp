@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The folders in which the server finds fonts: the system's, the user's own, and those that were
+// registered. They are watched: what comes, goes or changes there does so in the register.
+#pragma once
+
+#include "server/event_loop.hpp"
+#include "server/shared_register.hpp"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace vellum {
+
+// What happened to fonts, by the texts of their URLs.
+struct FolderNews {
+    std::vector<std::string> came;
+    std::vector<std::string> went;
+};
+
+class FontFolders {
+public:
+    using Tell = std::function<void(const FolderNews &news)>;
+
+    // `tell` is called with what happened in folders, when it has. Throws std::system_error.
+    FontFolders(EventLoop &loop, SharedRegister &fonts, Tell tell);
+    ~FontFolders();
+    FontFolders(const FontFolders &) = delete;
+    FontFolders &operator=(const FontFolders &) = delete;
+
+    // Takes in the folders of the system and of the user, and those that are saved, without telling.
+    void Load(const std::vector<SavedDirectory> &saved);
+
+    // Registers a folder for the user: its files, and those of the folders below unless bit 0 of its
+    // options is set, are in the register as long as it is registered. They come in slices, after this
+    // call. False for what is no folder, and for one that is registered already. SharedRegister::Save makes
+    // it last.
+    bool Register(const SavedDirectory &directory);
+
+    // False for what is not registered.
+    bool Unregister(const std::string &path);
+
+private:
+    enum class Depth {
+        kFolderAlone,
+        kTree,
+        kWaiting, // for a folder below it that is not there yet
+    };
+    struct Folder {
+        int number; // of the watch; -1 when the system has no room for it
+        Depth depth;
+    };
+
+    // A change that is being made, slice by slice: files that are there, and files that have gone.
+    struct Round {
+        std::vector<std::string> there, gone;
+        bool lets_go = false; // of files that may be there all the same
+        size_t next_there = 0, next_gone = 0;
+        FolderNews news;
+    };
+
+    static Depth DepthOf(const SavedDirectory &directory) noexcept;
+    void AddRoot(const std::string &path, Depth depth, Round &round);
+    void AwaitRoot(const std::string &path);
+    bool HasRootAbove(const std::string &path) const;
+    void Watch(const std::string &path, Depth depth);
+    void TakeIn(const std::string &path, Depth depth, Round &round);
+    void LetGo(const std::string &path, Round &round);
+    void LookAgain(Round &round);
+    void ReadEvents();
+    void HandleEvent(int number, uint32_t mask, const char *name, Round &round);
+
+    bool Slice(Round &round);
+    void FinishLater(Round round);
+    void FileCame(const std::string &path, FolderNews &news);
+    void FileWent(const std::string &path, bool lets_go, FolderNews &news);
+
+    EventLoop &loop_;
+    SharedRegister &register_;
+    const Tell tell_;
+    TDescriptor inotify_;
+    std::map<std::string, Folder> folders_; // those that were taken in, by path
+    std::map<int, std::string> paths_;      // of the folders that are watched, by number
+    std::map<std::string, Depth> roots_;
+    std::map<std::string, SavedDirectory> registered_;
+};
+
+} // namespace vellum

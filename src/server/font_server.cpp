@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "server/font_server.hpp"
+
+#include "platform/log/log.hpp"
+#include "server/answers.hpp"
+
+#include <exception>
+
+namespace vellum {
+
+namespace {
+
+// Which function answers which message.
+struct AnswerRow {
+    MessageID id;
+    QueryAnswer query;   // or
+    ChangeAnswer change; // the other
+};
+constexpr AnswerRow kAnswers[] = {
+    {kRendezvous, AnswerRendezvous, nullptr},
+    {kAddFontProvider, nullptr, AddFontProvider},
+    {kRemoveFontProvider, nullptr, RemoveFontProvider},
+    {kGetFontProviders, AnswerFontProviders, nullptr},
+    {kGetFontScope, AnswerFontScope, nullptr},
+    {kRegisterFonts, nullptr, RegisterFonts},
+    {kUnregisterFonts, nullptr, UnregisterFonts},
+    {kRegisterFontDirectory, nullptr, RegisterFontDirectory},
+    {kUnregisterFontDirectory, nullptr, UnregisterFontDirectory},
+    {kEnableFont, nullptr, EnableFont},
+    {kDisableFont, nullptr, DisableFont},
+    {kCopyAvailableFontNames, AnswerFontNames, nullptr},
+    {kCopyAvailableFontFamilyNames, AnswerFamilyNames, nullptr},
+    {kCopyAvailableFonts, AnswerFonts, nullptr},
+    {kCopyFontWithName, AnswerFontWithName, nullptr},
+    {kCopyFontsMatchingRequest, AnswerFontsMatchingRequest, nullptr},
+    {kCopyPropertiesForFontsMatchingRequest, AnswerPropertiesForFontsMatchingRequest, nullptr},
+    {kCopyPropertiesForFontMatchingRequest, AnswerPropertiesForFontMatchingRequest, nullptr},
+    {kCopyPropertiesForAllFonts, AnswerPropertiesForAllFonts, nullptr},
+    {kCopyPropertiesForFonts, AnswerPropertiesForFonts, nullptr},
+    {kCopyPropertyForFonts, AnswerPropertyForFonts, nullptr},
+    {kCopyPropertiesForFont, AnswerPropertiesForFont, nullptr},
+    {kCopyFontForCharacter, AnswerFontForCharacter, nullptr},
+    {kEnableFonts, nullptr, EnableFonts},
+    {kDisableFonts, nullptr, DisableFonts},
+    {kCopyFamilyNamesForLanguage, AnswerFamilyNamesForLanguage, nullptr},
+    {kExperimentalDataFunnel, AnswerExperimentalDataFunnel, nullptr},
+};
+
+constexpr bool EveryMessageHasAnAnswer() {
+    for (size_t i = 0; i < std::size(kAnswers); ++i)
+        if (std::size(kAnswers) != std::size(kMessageRows) || kAnswers[i].id != kMessageRows[i].id)
+            return false;
+    return true;
+}
+static_assert(EveryMessageHasAnAnswer()); // in the same order
+
+const AnswerRow &AnswerTo(const MessageRow &row) noexcept {
+    return kAnswers[&row - kMessageRows];
+}
+
+OutgoingReply Refuse(MachCode code) {
+    OutgoingReply reply;
+    reply.code = code;
+    return reply;
+}
+
+} // namespace
+
+void FontServer::Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
+    const Errand errand = {peer, FindMessageRow(message.Header().id), message.Header()};
+    if (!errand.row) return errand.Reply(Refuse(kMachBadID));
+    ReceivedArguments arguments;
+    if (!ReadRequest(*errand.row, message, arguments)) {
+        errand.Reply(Refuse(kMachBadArguments));
+        return peer->CutOff();
+    }
+    try {
+        const AnswerRow &answer = AnswerTo(*errand.row);
+        if (answer.query)
+            errand.Reply(answer.query(*this, *errand.row, arguments));
+        else
+            answer.change(*this, errand, arguments);
+    } catch (const std::exception &problem) { // memory is exhausted
+        Log(LogLevel::kError, "Message %d could not be answered: %s", static_cast<int>(errand.header.id),
+            problem.what());
+        errand.Reply(Refuse(kMachNoMemory));
+    }
+}
+
+} // namespace vellum

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+// The font server: it answers the messages about the register that a user's processes share.
+#pragma once
+
+#include "ipc/messages/message_codec.hpp"
+#include "server/event_loop.hpp"
+#include "server/kept_answers.hpp"
+#include "server/peer.hpp"
+#include "server/provider_list.hpp"
+#include "server/shared_register.hpp"
+
+#include <functional>
+#include <memory>
+
+namespace vellum {
+
+class FontFolders;
+
+// What a request has come from, and where its reply goes.
+struct Errand {
+    std::shared_ptr<Peer> peer;
+    const MessageRow *row;
+    MachHeader header;
+
+    void Reply(const OutgoingReply &reply) const noexcept { peer->Reply(row, header, reply); }
+};
+
+// Queries are answered at once. Changes wait their turn and are made in slices, between which queries are
+// answered.
+class FontServer {
+public:
+    FontServer(EventLoop &loop, SharedRegister &fonts, FontFolders &folders)
+        : loop_(loop), register_(fonts), folders_(folders) {}
+
+    // What MessageService calls for each message.
+    void Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message);
+
+    SharedRegister &Register() noexcept { return register_; }
+    const TLocalGlypharyImp &Fonts() const noexcept { return register_.Fonts(); }
+    FontFolders &Folders() noexcept { return folders_; }
+    KeptAnswers &Kept() noexcept { return kept_; }
+    ProviderList &Providers() noexcept { return providers_; }
+    EventLoop &Loop() noexcept { return loop_; }
+
+private:
+    EventLoop &loop_;
+    SharedRegister &register_;
+    FontFolders &folders_;
+    KeptAnswers kept_;
+    ProviderList providers_;
+};
+
+} // namespace vellum

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "server/kept_answers.hpp"
+
+#include "frame/registry/generation_seed.hpp"
+#include "platform/process/passing_failures.hpp"
+
+#include <utility>
+
+namespace vellum {
+
+OutgoingMemory KeptAnswers::Get(std::string question, const std::function<OutgoingMemory()> &make) {
+    const uint32_t generation = TGenerationSeed::GetGeneration();
+    if (std::exchange(generation_, generation) != generation || answers_.size() >= kMost) answers_.clear();
+    const auto kept = answers_.find(question);
+    if (kept != answers_.end()) return kept->second;
+    const uint32_t failures = tPassingFailures;
+    OutgoingMemory answer = make();
+    if (failures == tPassingFailures) answers_.emplace(std::move(question), answer);
+    return answer;
+}
+
+} // namespace vellum

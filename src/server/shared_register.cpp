@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "server/shared_register.hpp"
+
+#include "platform/font/font_cache.hpp"
+#include "values/val_array.hpp"
+#include "values/val_url.hpp"
+
+namespace vellum {
+
+namespace {
+
+// How the server calls its own register: the legacy service has been told by whoever asked.
+constexpr VLScope kOwnScope = kVLScopeProcess | kVLScopeLegacyTold;
+
+// Where the fonts lie is for the client to decide: it has copied what it wanted copied.
+constexpr VLFontFlags kOwnFlags = ~VLFontFlags{kVLFontFlagCopyToStable};
+
+std::string PathOf(const ValURL *url) {
+    return std::string(TValURL(Retain(url)).Absolute().Path().View());
+}
+
+std::string PathOfText(const std::string &text) {
+    return PathOf(TValURL::FromText(text).Get());
+}
+
+// True for the path itself, and for what lies beneath it.
+bool IsAt(std::string_view path, std::string_view folder) noexcept {
+    while (folder.size() > 1 && folder.back() == '/') folder.remove_suffix(1);
+    if (!path.starts_with(folder)) return false;
+    return path.size() == folder.size() || path[folder.size()] == '/' || folder == "/";
+}
+
+std::vector<std::string> TextsOf(const ValArray *urls) {
+    std::vector<std::string> texts;
+    for (const void *item : Elements(urls)) texts.emplace_back(TValURL(Retain(Cast<ValURL>(item))).Text());
+    return texts;
+}
+
+} // namespace
+
+void SharedRegister::Load() {
+    LoadFrom(Lasting::kForUser);
+    LoadFrom(Lasting::kForSession);
+}
+
+void SharedRegister::LoadFrom(Lasting lasting) {
+    const SavedState saved = For(lasting).database.Load();
+    for (const std::string &text : saved.disabled) disabled_[PathOfText(text)].emplace(text, lasting);
+    for (const SavedFile &row : saved.files) {
+        File &file = files_[row.path];
+        const bool is_there = file.IsWanted();
+        (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
+        file.flags = row.flags;
+        if (!is_there) Add(row.path, row.flags); // a file that cannot be read just now may come back
+    }
+}
+
+bool SharedRegister::Add(const std::string &path, VLFontFlags flags) {
+    if (!fonts_.RegisterFont(TValURL::FromPath(path).Get(), nullptr, flags & kOwnFlags, kOwnScope))
+        return false;
+    DisableAgain(path);
+    return true;
+}
+
+void SharedRegister::TakeOut(const std::string &path) {
+    const TValURL url = TValURL::FromPath(path);
+    fonts_.UnregisterFont(url.Get(), kOwnScope);
+    FacetFontPurgeCaches(url.Path().Get());
+}
+
+void SharedRegister::DisableAgain(const std::string &path) {
+    for (const std::string &text : DisabledAt(TValURL::FromPath(path).Get()))
+        fonts_.DisableFont(TValURL::FromText(text).Get(), kOwnScope);
+}
+
+// Brings a file to what it was.
+void SharedRegister::PutBack(const std::string &path, const File &former) {
+    const auto found = files_.find(path);
+    const bool is_there = found != files_.end();
+    if (former.IsWanted()) {
+        files_[path] = former;
+        if (!is_there) Add(path, former.flags);
+    } else if (is_there) {
+        files_.erase(found);
+        TakeOut(path);
+    }
+}
+
+bool SharedRegister::Register(const ValURL *url, VLFontFlags flags, Lasting lasting) {
+    const std::string path = PathOf(url);
+    const auto found = files_.find(path);
+    const File former = found == files_.end() ? File() : found->second;
+    if (path.empty() || former.for_user || (lasting == Lasting::kForSession && former.for_session))
+        return false;
+    if (!former.IsWanted() && !Add(path, flags)) return false;
+    File &file = files_[path];
+    (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
+    file.flags = flags;
+    For(lasting).change.added.files.push_back({path, flags});
+    undo_.push_back([this, path, former] { PutBack(path, former); });
+    return true;
+}
+
+std::vector<std::string> SharedRegister::FilesAt(const std::string &path) const {
+    std::vector<std::string> paths;
+    if (path.empty()) return paths;
+    for (auto at = files_.lower_bound(path); at != files_.end() && at->first.starts_with(path); ++at)
+        if (IsAt(at->first, path)) paths.push_back(at->first);
+    return paths;
+}
+
+bool SharedRegister::Unregister(const ValURL *url, Lasting lasting) {
+    bool is_done = true;
+    for (const std::string &path : FilesAt(PathOf(url))) is_done &= UnregisterFile(path, lasting);
+    return is_done;
+}
+
+bool SharedRegister::UnregisterFile(const std::string &path, Lasting lasting) {
+    File &file = files_.at(path);
+    const File former = file;
+    if (lasting == Lasting::kForSession ? !file.for_session : !(file.for_user || file.for_session))
+        return false;
+    if (former.for_session) session_.change.removed.files.push_back({path, 0});
+    if (former.for_user && lasting == Lasting::kForUser) user_.change.removed.files.push_back({path, 0});
+    file.for_session = false;
+    if (lasting == Lasting::kForUser) file.for_user = false;
+    undo_.push_back([this, path, former] { PutBack(path, former); });
+    if (file.IsWanted()) return true;
+    files_.erase(path);
+    TakeOut(path);
+    return true;
+}
+
+std::vector<std::string> SharedRegister::DisabledAt(const ValURL *url) const {
+    const TValURL asked = TValURL(Retain(url)).Absolute();
+    const bool is_face = asked.Fragment().Get() != nullptr;
+    const std::string path = PathOf(url);
+    std::vector<std::string> texts;
+    for (auto at = disabled_.lower_bound(path); at != disabled_.end() && at->first.starts_with(path); ++at)
+        for (const auto &[text, lasting] : at->second)
+            if (is_face ? text == asked.Text() : IsAt(at->first, path)) texts.push_back(text);
+    return texts;
+}
+
+Lasting *SharedRegister::FindDisabled(const std::string &text) {
+    const auto file = disabled_.find(PathOfText(text));
+    if (file == disabled_.end()) return nullptr;
+    const auto face = file->second.find(text);
+    return face == file->second.end() ? nullptr : &face->second;
+}
+
+void SharedRegister::ForgetDisabled(const std::string &text) {
+    const auto file = disabled_.find(PathOfText(text));
+    if (file == disabled_.end()) return;
+    file->second.erase(text);
+    if (file->second.empty()) disabled_.erase(file);
+}
+
+void SharedRegister::KeepDisabled(const std::string &text, Lasting lasting) {
+    Lasting *former = FindDisabled(text);
+    if (former && (*former == Lasting::kForUser || *former == lasting)) return;
+    For(lasting).change.added.disabled.push_back(text);
+    if (former) {
+        session_.change.removed.disabled.push_back(text);
+        *former = lasting;
+        undo_.push_back([this, text] { disabled_[PathOfText(text)][text] = Lasting::kForSession; });
+        return;
+    }
+    disabled_[PathOfText(text)][text] = lasting;
+    undo_.push_back([this, text] {
+        ForgetDisabled(text);
+        fonts_.EnableFont(TValURL::FromText(text).Get(), kOwnScope);
+    });
+}
+
+bool SharedRegister::Disable(const ValURL *url, Lasting lasting) {
+    std::vector<std::string> texts = TextsOf(fonts_.CopyFontsForURL(url, kOwnScope).Get());
+    const bool is_done = fonts_.DisableFont(url, kOwnScope);
+    for (const std::string &text : DisabledAt(url))
+        texts.push_back(text); // for the session until now, perhaps
+    const size_t steps = undo_.size();
+    for (const std::string &text : texts) KeepDisabled(text, lasting);
+    return is_done || undo_.size() > steps;
+}
+
+bool SharedRegister::Enable(const ValURL *url, Lasting lasting) {
+    const auto texts = DisabledAt(url);
+    for (const std::string &text : texts)
+        if (lasting == Lasting::kForSession && *FindDisabled(text) == Lasting::kForUser) return false;
+    const bool is_done = fonts_.EnableFont(url, kOwnScope);
+    for (const std::string &text : texts) {
+        const Lasting former = *FindDisabled(text);
+        For(former).change.removed.disabled.push_back(text);
+        ForgetDisabled(text);
+        undo_.push_back([this, text, former] {
+            disabled_[PathOfText(text)][text] = former;
+            fonts_.DisableFont(TValURL::FromText(text).Get(), kOwnScope);
+        });
+    }
+    return is_done;
+}
+
+bool SharedRegister::Save(bool on_disk) {
+    // One that lasts for the session alone concerns no other database, so that no crash comes between two.
+    const bool is_saved =
+        session_.database.Apply(session_.change, on_disk) && user_.database.Apply(user_.change, on_disk);
+    if (!is_saved) TakeBack();
+    session_.change = user_.change = StateChange();
+    undo_.clear();
+    return is_saved;
+}
+
+void SharedRegister::TakeBack() noexcept {
+    for (auto step = undo_.rbegin(); step != undo_.rend(); ++step) {
+        try {
+            (*step)();
+        } catch (const std::bad_alloc &) { // this font stays as it is until the server starts anew
+        }
+    }
+    session_.change = user_.change = StateChange();
+    undo_.clear();
+}
+
+bool SharedRegister::Found(const std::string &path) {
+    File &file = files_[path];
+    const bool is_there = file.IsWanted();
+    file.was_found = true;
+    return !is_there && Add(path, 0);
+}
+
+bool SharedRegister::Changed(const std::string &path) {
+    const auto found = files_.find(path);
+    if (found == files_.end()) return false;
+    TakeOut(path);
+    Add(path, found->second.flags);
+    return true;
+}
+
+// What somebody has registered may come back: it is still wanted.
+bool SharedRegister::Vanished(const std::string &path) {
+    const auto found = files_.find(path);
+    if (found == files_.end()) return false;
+    found->second.was_found = false;
+    if (!found->second.IsWanted()) files_.erase(found);
+    const bool was_there = fonts_.IsFontRegistered(TValURL::FromPath(path).Get());
+    TakeOut(path);
+    return was_there;
+}
+
+bool SharedRegister::LetGo(const std::string &path) {
+    const auto found = files_.find(path);
+    if (found == files_.end()) return false;
+    found->second.was_found = false;
+    return !found->second.IsWanted() && Vanished(path);
+}
+
+VLScope SharedRegister::ScopeOf(const ValURL *url) const {
+    const auto found = files_.find(PathOf(url));
+    if (found == files_.end() || !fonts_.GetFontScope(url)) return 0;
+    const File &file = found->second;
+    VLScope scope = 0;
+    if (file.for_user || file.was_found) scope |= kVLScopeUser;
+    if (file.for_session) scope |= kVLScopeSession;
+    return scope;
+}
+
+} // namespace vellum

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "server/state_database.hpp"
+
+#include "platform/log/log.hpp"
+
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace vellum {
+
+namespace {
+
+constexpr char kSchema[] =
+    "CREATE TABLE IF NOT EXISTS files"
+    " (number INTEGER PRIMARY KEY, path BLOB UNIQUE NOT NULL, flags INTEGER NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS directories (number INTEGER PRIMARY KEY,"
+    " path BLOB UNIQUE NOT NULL, flags INTEGER NOT NULL, options INTEGER NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS disabled"
+    " (number INTEGER PRIMARY KEY, url BLOB UNIQUE NOT NULL);";
+
+[[noreturn]] void Throw(sqlite3 *database) {
+    throw std::runtime_error(database ? sqlite3_errmsg(database) : "memory is exhausted");
+}
+
+class Statement {
+public:
+    Statement(sqlite3 *database, const char *text) : database_(database) {
+        if (sqlite3_prepare_v2(database, text, -1, &statement_, nullptr) != SQLITE_OK) Throw(database);
+    }
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
+    ~Statement() { sqlite3_finalize(statement_); }
+
+    // Both count from the left: parameters from 1, columns from 0. Bytes are borrowed until the next step.
+    Statement &Bind(int place, std::string_view bytes) {
+        return Check(sqlite3_bind_blob64(statement_, place, bytes.empty() ? "" : bytes.data(), bytes.size(),
+                                         SQLITE_STATIC));
+    }
+    Statement &Bind(int place, uint32_t number) {
+        return Check(sqlite3_bind_int64(statement_, place, number));
+    }
+
+    // True while there is a row.
+    bool Step() {
+        const int result = sqlite3_step(statement_);
+        if (result != SQLITE_ROW && result != SQLITE_DONE) Throw(database_);
+        return result == SQLITE_ROW;
+    }
+    void Run() {
+        Step();
+        Check(sqlite3_reset(statement_));
+    }
+
+    std::string Bytes(int column) {
+        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(statement_, column));
+        const auto size = static_cast<size_t>(sqlite3_column_bytes(statement_, column));
+        return bytes ? std::string(bytes, size) : std::string();
+    }
+    uint32_t Number(int column) { return static_cast<uint32_t>(sqlite3_column_int64(statement_, column)); }
+
+private:
+    Statement &Check(int result) {
+        if (result != SQLITE_OK) Throw(database_);
+        return *this;
+    }
+
+    sqlite3 *const database_;
+    sqlite3_stmt *statement_ = nullptr;
+};
+
+// Removes the rows of these keys.
+template <class Rows, class KeyOf>
+void Remove(sqlite3 *database, const char *text, const Rows &rows, KeyOf key_of) {
+    if (rows.empty()) return;
+    Statement statement(database, text);
+    for (const auto &row : rows) statement.Bind(1, key_of(row)).Run();
+}
+
+constexpr auto kPath = [](const auto &row) { return std::string_view(row.path); };
+constexpr auto kText = [](const std::string &text) { return std::string_view(text); };
+
+} // namespace
+
+bool StateChange::IsEmpty() const noexcept {
+    const auto is_empty = [](const SavedState &state) {
+        return state.files.empty() && state.directories.empty() && state.disabled.empty();
+    };
+    return is_empty(added) && is_empty(removed);
+}
+
+StateDatabase::StateDatabase(const std::string &path) {
+    try {
+        Open(path);
+    } catch (const std::exception &problem) {
+        Log(LogLevel::kError, "What was registered cannot be read from %s, which is set aside: %s",
+            path.c_str(), problem.what());
+        sqlite3_close_v2(std::exchange(database_, nullptr));
+        std::rename(path.c_str(), (path + ".broken").c_str());
+        for (const char *companion : {"-wal", "-shm"}) std::remove((path + companion).c_str());
+        Open(path);
+    }
+}
+
+StateDatabase::~StateDatabase() {
+    sqlite3_close_v2(database_);
+}
+
+void StateDatabase::Open(const std::string &path) {
+    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+    if (sqlite3_open_v2(path.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) Throw(database_);
+    // The log of changes survives the process's end as it is; the server is its only reader.
+    Run("PRAGMA locking_mode = EXCLUSIVE");
+    Run("PRAGMA journal_mode = WAL");
+    Run(kSchema);
+    Load(); // what cannot be read is found out here
+}
+
+void StateDatabase::Run(const char *statement) const {
+    if (sqlite3_exec(database_, statement, nullptr, nullptr, nullptr) != SQLITE_OK) Throw(database_);
+}
+
+SavedState StateDatabase::Load() const {
+    SavedState state;
+    Statement files(database_, "SELECT path, flags FROM files ORDER BY number");
+    while (files.Step()) state.files.push_back({files.Bytes(0), files.Number(1)});
+    Statement directories(database_, "SELECT path, flags, options FROM directories ORDER BY number");
+    while (directories.Step())
+        state.directories.push_back({directories.Bytes(0), directories.Number(1), directories.Number(2)});
+    Statement disabled(database_, "SELECT url FROM disabled ORDER BY number");
+    while (disabled.Step()) state.disabled.push_back(disabled.Bytes(0));
+    return state;
+}
+
+void StateDatabase::Write(const StateChange &change) const {
+    Remove(database_, "DELETE FROM files WHERE path = ?", change.removed.files, kPath);
+    Remove(database_, "DELETE FROM directories WHERE path = ?", change.removed.directories, kPath);
+    Remove(database_, "DELETE FROM disabled WHERE url = ?", change.removed.disabled, kText);
+    Statement file(database_, "INSERT OR REPLACE INTO files (path, flags) VALUES (?, ?)");
+    for (const SavedFile &row : change.added.files) file.Bind(1, row.path).Bind(2, row.flags).Run();
+    Statement directory(database_,
+                        "INSERT OR REPLACE INTO directories (path, flags, options) VALUES (?, ?, ?)");
+    for (const SavedDirectory &row : change.added.directories)
+        directory.Bind(1, row.path).Bind(2, row.flags).Bind(3, row.options).Run();
+    Statement disabled(database_, "INSERT OR IGNORE INTO disabled (url) VALUES (?)");
+    for (const std::string &text : change.added.disabled) disabled.Bind(1, text).Run();
+}
+
+bool StateDatabase::Apply(const StateChange &change, bool on_disk) noexcept {
+    if (change.IsEmpty()) return true;
+    try {
+        Run(on_disk ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+        Run("BEGIN IMMEDIATE");
+        Write(change);
+        Run("COMMIT");
+        return true;
+    } catch (const std::exception &problem) {
+        Log(LogLevel::kError, "A change of the registered fonts could not be saved: %s", problem.what());
+        if (!sqlite3_get_autocommit(database_))
+            sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr);
+        return false;
+    }
+}
+
+} // namespace vellum
