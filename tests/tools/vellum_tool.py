@@ -27,6 +27,9 @@ DONE, PROBLEMS, USAGE, REFUSED, BAD_FONT = 0, 1, 2, 4, 5
 # Starts a command that may read no file against its mode, not even as root.
 BOUND_BY_MODES = ("setpriv", "--bounding-set=-dac_override,-dac_read_search") if os.geteuid() == 0 else ()
 
+# Whether the tool looks after itself while it runs.
+IS_SANITIZED = b"__ubsan_handle" in pathlib.Path(TOOL).read_bytes()
+
 # Starts a command that may open one file more, which GLib's main loop takes. Looking for leaks opens files.
 WITH_ONE_FILE = ("env", "ASAN_OPTIONS=" + os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0",
                  "prlimit", "--nofile=4")

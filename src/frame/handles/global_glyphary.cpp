@@ -22,7 +22,8 @@ namespace vellum {
 namespace {
 
 constinit std::atomic<const TGlypharyImp *> sRegistry{nullptr};
-constinit std::atomic<bool> sIsServers{false}; // sRegistry is the font server's proxy
+constinit std::atomic<bool> sIsServers{false};              // sRegistry is the font server's proxy
+constinit std::atomic<const TGlypharyImp *> sLeft{nullptr}; // the proxy, once another took its place
 pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 
 std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
@@ -49,8 +50,10 @@ void CreateRegistry() noexcept {
     }
 }
 
-// Puts a register in this process in the place of the proxy, which is locked, and is left to itself.
+// Puts a register in this process in the place of the proxy, which is locked; other threads may wait for
+// it.
 void LeaveServer() {
+    sLeft.store(sRegistry.load(std::memory_order_relaxed), std::memory_order_relaxed);
     Log(LogLevel::kError, "Could not retrieve fonts from the server! Registering system fonts locally...");
     auto registry = MakeRegisterOfSystemFonts();
     KeepSharedChangesInProcess();
