@@ -423,6 +423,9 @@ VL_EXPORT void VLDeliverNotifications(void) VL_NOEXCEPT;
  */
 VL_EXPORT bool VLFontServerAnswers(void) VL_NOEXCEPT;
 
+/* The process id of the font server that answers this user now; 0 when there is none. */
+VL_EXPORT int32_t VLGetFontServerProcess(void) VL_NOEXCEPT;
+
 /* ---- fonts on demand ------------------------------------------------------------------------- */
 
 /* Whether missing fonts are found and activated. 0 means: nothing was set. */
@@ -461,6 +464,12 @@ VL_EXPORT VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback ca
 
 /* The ports of all announced providers, an array. */
 VL_EXPORT const ValArray *VLCopyFontProviderRemotePorts(void) VL_NOEXCEPT;
+
+/* The process that answers at a port; 0 for null. */
+VL_EXPORT int32_t VLGetMessagePortProcess(const VLMessagePort *port) VL_NOEXCEPT;
+
+/* What a port is called in its process: of a provider, a UUID. Null for null. */
+VL_EXPORT const ValString *VLCopyMessagePortName(const VLMessagePort *port) VL_NOEXCEPT;
 
 /* ---- looking into a file --------------------------------------------------------------------- */
 

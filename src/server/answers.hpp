@@ -25,15 +25,17 @@ OutgoingReply AnswerPropertiesForFontsMatchingRequest(FontServer &, const Messag
 OutgoingReply AnswerPropertiesForFontMatchingRequest(FontServer &, const MessageRow &,
                                                      const ReceivedArguments &);
 OutgoingReply AnswerPropertiesForAllFonts(FontServer &, const MessageRow &, const ReceivedArguments &);
-OutgoingReply AnswerPropertiesForFonts(FontServer &, const MessageRow &, const ReceivedArguments &);
-OutgoingReply AnswerPropertyForFonts(FontServer &, const MessageRow &, const ReceivedArguments &);
-OutgoingReply AnswerPropertiesForFont(FontServer &, const MessageRow &, const ReceivedArguments &);
 OutgoingReply AnswerExperimentalDataFunnel(FontServer &, const MessageRow &, const ReceivedArguments &);
 
-// ---- change_answers.cpp ----
-// Makes a change, now or later, and answers by errand.Reply.
-using ChangeAnswer = void (*)(FontServer &server, Errand errand, const ReceivedArguments &arguments);
+// Answers by errand.Reply, now or later.
+using LaterAnswer = void (*)(FontServer &server, Errand errand, const ReceivedArguments &arguments);
 
+// ---- property_answers.cpp ----
+void AnswerPropertiesForFonts(FontServer &, Errand, const ReceivedArguments &);
+void AnswerPropertyForFonts(FontServer &, Errand, const ReceivedArguments &);
+void AnswerPropertiesForFont(FontServer &, Errand, const ReceivedArguments &);
+
+// ---- change_answers.cpp ----
 void AddFontProvider(FontServer &, Errand, const ReceivedArguments &);
 void RemoveFontProvider(FontServer &, Errand, const ReceivedArguments &);
 void RegisterFonts(FontServer &, Errand, const ReceivedArguments &);

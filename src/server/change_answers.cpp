@@ -38,8 +38,13 @@ struct Batch {
     TValMutableArray changed = TValMutableArray();
     TValMutableArray failed = TValMutableArray();
 
-    // One font; false once the reply has been sent.
+    // One font; false once the reply has been sent. A change whose author has left is made wholly or not at
+    // all, and nobody has been told that it was: it is not made.
     bool Slice() {
+        if (errand.peer->IsClosed()) {
+            server.Register().TakeBack();
+            return false;
+        }
         if (next < ValArrayGetCount(fonts.Get())) {
             const void *item = ValArrayGetValue(fonts.Get(), next++);
             const auto *url = Cast<ValURL>(item);
@@ -58,16 +63,24 @@ struct Batch {
             changed = TValMutableArray();
         }
         const bool is_done = failed.IsEmpty();
+        const TValMutableArray &brought = brings == Brings::kFailed ? failed : changed;
         OutgoingReply reply;
         reply.word = brings == Brings::kFailed ? is_done : !changed.IsEmpty();
-        reply.memory =
-            Flattened((brings == Brings::kFailed ? failed : changed).Get()).value_or(OutgoingMemory());
+        if (!brought.IsEmpty()) reply.memory = Flattened(brought.Get()).value_or(OutgoingMemory());
         errand.Reply(reply);
     }
 };
 
+// As many fonts as a register may hold.
+constexpr size_t kMostFonts = 65'536;
+
 // Has a batch done when its turn has come. A change that memory runs out for fails as a whole.
 void Enqueue(std::unique_ptr<Batch> batch) {
+    if (!batch->fonts || ValArrayGetCount(batch->fonts.Get()) > kMostFonts) {
+        OutgoingReply reply;
+        reply.code = batch->fonts ? kMachNoMemory : kMachBadArguments;
+        return batch->errand.Reply(reply);
+    }
     batch->server.Loop().AddWork([batch = std::shared_ptr<Batch>(std::move(batch))] {
         try {
             return batch->Slice();
@@ -81,7 +94,8 @@ void Enqueue(std::unique_ptr<Batch> batch) {
     });
 }
 
-// A change of one font, or of one folder, with its result as the reply.
+// A change of one font, or of one folder, with its result as the reply. What the change has added to the
+// work is done before the reply: who has registered a folder finds its fonts.
 void EnqueueOne(FontServer &server, Errand errand, bool on_disk, std::function<bool()> change) {
     server.Loop().AddWork([&server, errand = std::move(errand), on_disk, change = std::move(change)] {
         OutgoingReply reply;
@@ -92,16 +106,12 @@ void EnqueueOne(FontServer &server, Errand errand, bool on_disk, std::function<b
             server.Register().TakeBack();
             reply.code = kMachNoMemory;
         }
-        errand.Reply(reply);
+        server.Loop().AddWork([errand, reply] {
+            errand.Reply(reply);
+            return false;
+        });
         return false;
     });
-}
-
-// The fonts of a registration. Their properties are not looked at: the files are read here.
-Ref<const ValArray> KeysOf(const ValDictionary *registration) {
-    TValMutableArray urls;
-    for (const auto &[url, properties] : TValDict(Retain(registration))) urls.Append(url);
-    return urls.Publish();
 }
 
 void ChangeMany(FontServer &server, Errand errand, const ReceivedArguments &arguments, Batch::Brings brings,
@@ -148,9 +158,11 @@ void RegisterFonts(FontServer &server, Errand errand, const ReceivedArguments &a
     const auto change = [&server, flags, lasting = LastingOf(scope)](const ValURL *url) {
         return server.Register().Register(url, flags, lasting);
     };
-    const auto registration = Resurrected<ValDictionary>(arguments[0].memory);
+    // Their properties are not looked at: the files are read here.
+    TValResurrectContext registration(arguments[0].memory.data(), arguments[0].memory.size());
     Enqueue(std::unique_ptr<Batch>(new Batch{server, std::move(errand), IsForDisk(scope),
-                                             Batch::Brings::kFailed, change, KeysOf(registration.Get())}));
+                                             Batch::Brings::kFailed, change,
+                                             registration.ResurrectKeys(kMostFonts)}));
 }
 
 void UnregisterFonts(FontServer &server, Errand errand, const ReceivedArguments &arguments) {

@@ -3,6 +3,7 @@
 
 #include <sys/epoll.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -44,9 +45,17 @@ void EventLoop::Forget(int descriptor) noexcept {
     if (watched_.erase(descriptor)) ::epoll_ctl(epoll_.Get(), EPOLL_CTL_DEL, descriptor, nullptr);
 }
 
+// How long nothing but an event is waited for, as epoll_wait wants it.
+int EventLoop::WaitingTime() const noexcept {
+    if (!in_order_.empty() || !in_turn_.empty()) return 0;
+    if (later_.empty()) return -1;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(later_.begin()->first - Clock::now());
+    return static_cast<int>(std::clamp<int64_t>(left.count(), 0, 60'000));
+}
+
 void EventLoop::HandleEvents() {
     std::array<epoll_event, kEventsAtOnce> events;
-    const int count = ::epoll_wait(epoll_.Get(), events.data(), kEventsAtOnce, HasWork() ? 0 : -1);
+    const int count = ::epoll_wait(epoll_.Get(), events.data(), kEventsAtOnce, WaitingTime());
     for (int i = 0; i < count; ++i) {
         const epoll_event &event = events[static_cast<size_t>(i)];
         const auto found = watched_.find(static_cast<int>(static_cast<uint32_t>(event.data.u64)));
@@ -56,15 +65,26 @@ void EventLoop::HandleEvents() {
     }
 }
 
+void EventLoop::HandleTime() {
+    while (!later_.empty() && later_.begin()->first <= Clock::now()) {
+        const auto call = std::move(later_.extract(later_.begin()).mapped());
+        call();
+    }
+}
+
 void EventLoop::Work() {
-    if (work_.empty()) return;
-    if (!work_.front()()) work_.pop();
+    if (!in_order_.empty() && !in_order_.front()()) in_order_.pop();
+    if (in_turn_.empty()) return;
+    Slice slice = std::move(in_turn_.front());
+    in_turn_.pop();
+    if (slice()) in_turn_.push(std::move(slice));
 }
 
 void EventLoop::Run() {
     is_running_ = true;
     while (is_running_) {
         HandleEvents();
+        HandleTime();
         Work();
     }
 }

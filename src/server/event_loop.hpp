@@ -7,6 +7,7 @@
 
 #include "platform/fs/file.hpp"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -37,8 +38,15 @@ public:
     void Forget(int descriptor) noexcept;
 
     // Has work done, after the work that was added before.
-    void AddWork(Slice slice) { work_.push(std::move(slice)); }
-    bool HasWork() const noexcept { return !work_.empty(); }
+    void AddWork(Slice slice) { in_order_.push(std::move(slice)); }
+
+    // Has work done that waits for no other: a slice of each such work in turn.
+    void AddSideWork(Slice slice) { in_turn_.push(std::move(slice)); }
+
+    // Has something called once, not before so much time has passed.
+    void CallLater(std::chrono::milliseconds delay, std::function<void()> call) {
+        later_.emplace(Clock::now() + delay, std::move(call));
+    }
 
     // Runs until Stop is called from within.
     void Run();
@@ -50,13 +58,18 @@ private:
         std::shared_ptr<Handler> handler;
     };
 
+    using Clock = std::chrono::steady_clock;
+
+    int WaitingTime() const noexcept;
     void HandleEvents();
+    void HandleTime();
     void Work();
 
     TDescriptor epoll_;
     std::map<int, Watched> watched_;
     uint32_t last_number_ = 0;
-    std::queue<Slice> work_;
+    std::queue<Slice> in_order_, in_turn_;
+    std::multimap<Clock::time_point, std::function<void()>> later_;
     bool is_running_ = false;
 };
 

@@ -6,6 +6,7 @@
 #include "server/event_loop.hpp"
 #include "server/shared_register.hpp"
 
+#include <deque>
 #include <functional>
 #include <map>
 #include <string>
@@ -33,9 +34,9 @@ public:
     void Load(const std::vector<SavedDirectory> &saved);
 
     // Registers a folder for the user: its files, and those of the folders below unless bit 0 of its
-    // options is set, are in the register as long as it is registered. They come in slices, after this
-    // call. False for what is no folder, and for one that is registered already. SharedRegister::Save makes
-    // it last.
+    // options is set and as far as kMostFolders, are in the register as long as it is registered. They come
+    // with the work that this call adds to the loop's. False for what is no folder of files, and for one
+    // that is registered already. SharedRegister::Save makes it last.
     bool Register(const SavedDirectory &directory);
 
     // False for what is not registered.
@@ -51,21 +52,39 @@ private:
         int number; // of the watch; -1 when the system has no room for it
         Depth depth;
     };
-
-    // A change that is being made, slice by slice: files that are there, and files that have gone.
-    struct Round {
-        std::vector<std::string> there, gone;
-        bool lets_go = false; // of files that may be there all the same
-        size_t next_there = 0, next_gone = 0;
-        FolderNews news;
+    struct Root {
+        Depth depth;
+        uint32_t priority; // of the fonts
+        VLFontFlags flags;
+        bool is_registered = false;
+    };
+    struct FolderToRead {
+        std::string path;
+        Depth depth;
     };
 
-    static Depth DepthOf(const SavedDirectory &directory) noexcept;
-    void AddRoot(const std::string &path, Depth depth, Round &round);
+    // All that are looked into: each takes a watch, of which the user's other programs want some, too.
+    static constexpr size_t kMostFolders = 16'384;
+
+    // A change that is being made, slice by slice: files that have gone, folders to be read, and files that
+    // are there.
+    struct Round {
+        std::deque<std::string> gone, there;
+        std::deque<FolderToRead> folders;
+        bool lets_go = false; // of files that may be there all the same
+        FolderNews news;
+
+        bool IsEmpty() const noexcept { return gone.empty() && there.empty() && folders.empty(); }
+    };
+
+    static Root RootFor(const SavedDirectory &directory) noexcept;
+    void AddRoot(const std::string &path, const Root &root, Round &round);
+    const Root *RootOf(const std::string &file) const;
     void AwaitRoot(const std::string &path);
-    bool HasRootAbove(const std::string &path) const;
+    bool HasRootOver(const std::string &path) const;
     void Watch(const std::string &path, Depth depth);
-    void TakeIn(const std::string &path, Depth depth, Round &round);
+    void TakeIn(std::string path, Depth depth, Round &round);
+    void Read(const FolderToRead &folder, Round &round);
     void LetGo(const std::string &path, Round &round);
     void LookAgain(Round &round);
     void ReadEvents();
@@ -82,8 +101,9 @@ private:
     TDescriptor inotify_;
     std::map<std::string, Folder> folders_; // those that were taken in, by path
     std::map<int, std::string> paths_;      // of the folders that are watched, by number
-    std::map<std::string, Depth> roots_;
+    std::map<std::string, Root> roots_;
     std::map<std::string, SavedDirectory> registered_;
+    bool is_full_ = false; // which has been said
 };
 
 } // namespace vellum

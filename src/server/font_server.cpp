@@ -4,6 +4,7 @@
 #include "platform/log/log.hpp"
 #include "server/answers.hpp"
 
+#include <algorithm>
 #include <exception>
 
 namespace vellum {
@@ -13,8 +14,8 @@ namespace {
 // Which function answers which message.
 struct AnswerRow {
     MessageID id;
-    QueryAnswer query;   // or
-    ChangeAnswer change; // the other
+    QueryAnswer query; // or
+    LaterAnswer later; // the other
 };
 constexpr AnswerRow kAnswers[] = {
     {kRendezvous, AnswerRendezvous, nullptr},
@@ -36,9 +37,9 @@ constexpr AnswerRow kAnswers[] = {
     {kCopyPropertiesForFontsMatchingRequest, AnswerPropertiesForFontsMatchingRequest, nullptr},
     {kCopyPropertiesForFontMatchingRequest, AnswerPropertiesForFontMatchingRequest, nullptr},
     {kCopyPropertiesForAllFonts, AnswerPropertiesForAllFonts, nullptr},
-    {kCopyPropertiesForFonts, AnswerPropertiesForFonts, nullptr},
-    {kCopyPropertyForFonts, AnswerPropertyForFonts, nullptr},
-    {kCopyPropertiesForFont, AnswerPropertiesForFont, nullptr},
+    {kCopyPropertiesForFonts, nullptr, AnswerPropertiesForFonts},
+    {kCopyPropertyForFonts, nullptr, AnswerPropertyForFonts},
+    {kCopyPropertiesForFont, nullptr, AnswerPropertiesForFont},
     {kCopyFontForCharacter, AnswerFontForCharacter, nullptr},
     {kEnableFonts, nullptr, EnableFonts},
     {kDisableFonts, nullptr, DisableFonts},
@@ -58,6 +59,15 @@ const AnswerRow &AnswerTo(const MessageRow &row) noexcept {
     return kAnswers[&row - kMessageRows];
 }
 
+// Reading what was sent holds everybody up: there is a bound to it. What is known of fonts that are to be
+// registered is longest.
+bool IsTooMuch(const MessageRow &row, const ReceivedArguments &arguments) noexcept {
+    constexpr size_t kMost = size_t{4} << 20;
+    return row.id != kRegisterFonts && std::ranges::any_of(arguments, [](const ReceivedArgument &argument) {
+               return argument.memory.size() > kMost;
+           });
+}
+
 OutgoingReply Refuse(MachCode code) {
     OutgoingReply reply;
     reply.code = code;
@@ -74,12 +84,16 @@ void FontServer::Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage
         errand.Reply(Refuse(kMachBadArguments));
         return peer->CutOff();
     }
+    if (IsTooMuch(*errand.row, arguments)) {
+        errand.Reply(Refuse(kMachNoMemory));
+        return peer->CutOff();
+    }
     try {
         const AnswerRow &answer = AnswerTo(*errand.row);
         if (answer.query)
             errand.Reply(answer.query(*this, *errand.row, arguments));
         else
-            answer.change(*this, errand, arguments);
+            answer.later(*this, errand, arguments);
     } catch (const std::exception &problem) { // memory is exhausted
         Log(LogLevel::kError, "Message %d could not be answered: %s", static_cast<int>(errand.header.id),
             problem.what());

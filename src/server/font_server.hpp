@@ -29,6 +29,9 @@ struct Errand {
 // answered.
 class FontServer {
 public:
+    // What one descriptor of a request may bring.
+    static constexpr uint32_t kMostMemory = uint32_t{32} << 20;
+
     FontServer(EventLoop &loop, SharedRegister &fonts, FontFolders &folders)
         : loop_(loop), register_(fonts), folders_(folders) {}
 

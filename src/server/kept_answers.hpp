@@ -17,10 +17,15 @@ public:
     OutgoingMemory Get(std::string question, const std::function<OutgoingMemory()> &make);
 
 private:
-    // Few questions are asked by everybody; strangers could think of any number.
+    void Forget() noexcept;
+
+    // Few questions are asked by everybody; strangers could think of any number, of any length.
     static constexpr size_t kMost = 64;
+    static constexpr size_t kLongestQuestion = size_t{4} << 10;
+    static constexpr size_t kMostBytes = size_t{64} << 20;
 
     std::map<std::string, OutgoingMemory> answers_;
+    size_t bytes_ = 0;        // of the answers
     uint32_t generation_ = 0; // of the fonts that they are about
 };
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "server/message_service.hpp"
 
-#include <sys/epoll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include "platform/port/service_address.hpp"
 
+#include <sys/epoll.h>
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -12,20 +14,27 @@ namespace vellum {
 
 namespace {
 
-// The process at the other end; 0 when it is another user's.
-pid_t OwnUsersProcess(int socket) noexcept {
-    ucred credentials = {};
-    socklen_t size = sizeof credentials;
-    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0) return 0;
-    return credentials.uid == ::geteuid() ? credentials.pid : 0;
+// Who comes later waits: those who are there go first.
+constexpr int kMostAcceptedAtOnce = 16;
+
+// What the process itself needs of descriptors, whoever connects.
+constexpr int kReserve = 32;
+
+// How long nobody is taken in where there is no room.
+constexpr std::chrono::milliseconds kPause(100);
+
+int DescriptorLimit() noexcept {
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, 1 << 20));
 }
 
 } // namespace
 
-MessageService::MessageService(EventLoop &loop, TDescriptor listener, uint64_t instance, Answer answer,
-                               Farewell farewell)
-    : loop_(loop), listener_(std::move(listener)), instance_(instance), answer_(std::move(answer)),
-      farewell_(std::move(farewell)) {
+MessageService::MessageService(EventLoop &loop, TDescriptor listener, uint64_t instance,
+                               uint32_t most_memory, Callbacks callbacks)
+    : loop_(loop), listener_(std::move(listener)), instance_(instance), callbacks_(std::move(callbacks)),
+      most_descriptors_(DescriptorLimit()), receiver_(most_memory) {
     loop_.Watch(listener_.Get(), EPOLLIN, [this](uint32_t) { Accept(); });
 }
 
@@ -35,39 +44,56 @@ MessageService::~MessageService() {
 }
 
 void MessageService::Accept() {
-    for (;;) {
-        TDescriptor socket(::accept4(listener_.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (socket.IsOpen()) {
-            TakeIn(std::move(socket));
-            continue;
-        }
-        if (errno == EINTR || errno == ECONNABORTED) continue;
-        if (errno != EAGAIN && errno != EWOULDBLOCK) { // those who wait stay in the queue
-            is_full_ = true;
-            loop_.Change(listener_.Get(), 0);
-        }
-        return;
+    for (int i = 0; i < kMostAcceptedAtOnce && AcceptOne(); ++i) {
     }
 }
 
-void MessageService::TakeIn(TDescriptor socket) {
-    const pid_t process = OwnUsersProcess(socket.Get());
-    if (process == 0) return;
+// False when nobody else is to be taken in now.
+bool MessageService::AcceptOne() {
+    pid_t process = 0;
+    TDescriptor socket = AcceptFromOwnUser(listener_.Get(), &process);
+    if (socket.IsOpen()) {
+        if (HasRoomFor(socket.Get(), process)) TakeIn(std::move(socket), process);
+        return true;
+    }
+    if (errno == EPERM || errno == EINTR || errno == ECONNABORTED) return true; // the next, perhaps
+    if (errno != EAGAIN && errno != EWOULDBLOCK) Pause(); // those who wait stay in the queue
+    return false;
+}
+
+// Descriptors are numbered from below: a high number says that few are left.
+bool MessageService::HasRoomFor(int socket, pid_t process) const {
+    const auto others = connections_.find(process);
+    const int count = others == connections_.end() ? 0 : others->second;
+    return socket < most_descriptors_ - kReserve && count < (most_descriptors_ - kReserve) / 2;
+}
+
+void MessageService::Pause() {
+    loop_.Change(listener_.Get(), 0);
+    loop_.CallLater(kPause, [this] { loop_.Change(listener_.Get(), EPOLLIN); });
+}
+
+void MessageService::TakeIn(TDescriptor socket, pid_t process) {
     const int number = socket.Get();
     auto peer = std::make_shared<Peer>(loop_, std::move(socket), instance_, process);
     loop_.Watch(number, EPOLLIN, [this, peer](uint32_t events) { Handle(peer, events); });
+    ++connections_[process];
     peers_.emplace(number, std::move(peer));
 }
 
 void MessageService::Dismiss(const std::shared_ptr<Peer> &peer) noexcept {
     if (peers_.erase(peer->Socket()) == 0) return;
-    if (farewell_) farewell_(peer);
+    const auto connections = connections_.find(peer->Process());
+    if (--connections->second == 0) connections_.erase(connections);
     peer->Close();
-    if (std::exchange(is_full_, false)) loop_.Change(listener_.Get(), EPOLLIN);
+    if (callbacks_.has_left) callbacks_.has_left(peer);
 }
 
 void MessageService::Handle(const std::shared_ptr<Peer> &peer, uint32_t events) {
-    if (events & EPOLLOUT) peer->SendWaiting();
+    if (events & EPOLLOUT) {
+        peer->SendWaiting();
+        if (callbacks_.has_listened && !peer->HasWaiting()) callbacks_.has_listened(peer);
+    }
     if (events & EPOLLIN && !peer->IsBusy()) Receive(peer);
     if (peer->IsCutOff() || (events & (EPOLLHUP | EPOLLERR) && !(events & EPOLLIN))) Dismiss(peer);
 }
@@ -90,7 +116,8 @@ void MessageService::Receive(const std::shared_ptr<Peer> &peer) {
         return peer->CutOff();
     }
     peer->Begin();
-    answer_(peer, message);
+    callbacks_.answer(peer, message);
+    peer->WaitUntilReplied();
 }
 
 } // namespace vellum

@@ -18,11 +18,18 @@ class MessageService {
 public:
     // Answers a message by Peer::Reply, now or later. The message is the service's until the call returns.
     using Answer = std::function<void(const std::shared_ptr<Peer> &peer, const IncomingMessage &message)>;
-    using Farewell = std::function<void(const std::shared_ptr<Peer> &peer)>;
+    using About = std::function<void(const std::shared_ptr<Peer> &peer)>;
 
-    // `listener` is a socket that listens, `instance` what this life of the service is called, not 0.
-    MessageService(EventLoop &loop, TDescriptor listener, uint64_t instance, Answer answer,
-                   Farewell farewell = {});
+    struct Callbacks {
+        Answer answer;
+        About has_left = {};     // the peer is gone
+        About has_listened = {}; // the peer has taken all that waited for it
+    };
+
+    // `listener` is a socket that listens, `instance` what this life of the service is called, not 0. A
+    // request's descriptors may bring so much memory each.
+    MessageService(EventLoop &loop, TDescriptor listener, uint64_t instance, uint32_t most_memory,
+                   Callbacks callbacks);
     ~MessageService();
     MessageService(const MessageService &) = delete;
     MessageService &operator=(const MessageService &) = delete;
@@ -34,18 +41,21 @@ public:
 
 private:
     void Accept();
-    void TakeIn(TDescriptor socket);
+    bool AcceptOne();
+    bool HasRoomFor(int socket, pid_t process) const;
+    void Pause();
+    void TakeIn(TDescriptor socket, pid_t process);
     void Handle(const std::shared_ptr<Peer> &peer, uint32_t events);
     void Receive(const std::shared_ptr<Peer> &peer);
 
     EventLoop &loop_;
     TDescriptor listener_;
     const uint64_t instance_;
-    const Answer answer_;
-    const Farewell farewell_;
+    const Callbacks callbacks_;
+    const int most_descriptors_;
     PacketReceiver receiver_;
     std::map<int, std::shared_ptr<Peer>> peers_; // by socket
-    bool is_full_ = false;                       // no descriptor is left: nobody is taken in until one goes
+    std::map<pid_t, int> connections_;           // how many a process has
 };
 
 } // namespace vellum

@@ -10,49 +10,83 @@
 
 namespace vellum {
 
-void Peer::Begin() noexcept {
-    is_busy_ = true;
-    loop_.Change(Socket(), 0); // a peer that hangs up is heard of all the same
+void Peer::WaitUntilReplied() noexcept {
+    if (!is_busy_ || !waiting_.empty()) return;
+    is_listened_to_ = false;
+    loop_.Change(Socket(), 0);
 }
 
 void Peer::ListenAgain() noexcept {
     is_busy_ = false;
-    loop_.Change(Socket(), EPOLLIN);
+    if (!is_listened_to_) loop_.Change(Socket(), EPOLLIN);
+    is_listened_to_ = true;
 }
 
 void Peer::Close() noexcept {
     if (!socket_.IsOpen()) return;
     loop_.Forget(Socket());
+    DiscardPackets(Socket());
     socket_ = TDescriptor();
-    waiting_.reset();
+    waiting_.clear();
 }
 
 void Peer::Reply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) noexcept {
-    if (socket_.IsOpen()) Send(WriteReply(row, request, reply));
-}
-
-void Peer::Send(OutgoingMessage message) noexcept {
-    switch (SendPacket(Socket(), instance_, message, false)) {
-    case PacketResult::kDone:
-        return ListenAgain();
-    case PacketResult::kWouldBlock:
-    case PacketResult::kNoRoom:
-        waiting_.reset(new (std::nothrow) OutgoingMessage(std::move(message)));
-        if (waiting_) return loop_.Change(Socket(), EPOLLOUT);
-        [[fallthrough]];
-    default:
-        is_cut_off_ = true; // who closes it is told by the loop, or looks after each message
+    if (!socket_.IsOpen()) return;
+    try {
+        Send({std::make_shared<const OutgoingMessage>(WriteReply(row, request, reply)), true});
+    } catch (const std::bad_alloc &) {
+        is_cut_off_ = true;
     }
 }
 
-bool Peer::Tell(const OutgoingMessage &message) noexcept {
-    return socket_.IsOpen() && SendPacket(Socket(), instance_, message, false) == PacketResult::kDone;
+bool Peer::Tell(const std::shared_ptr<const OutgoingMessage> &message) noexcept {
+    return socket_.IsOpen() && Send({message, false});
+}
+
+// False when the peer has lost its turn for good; who closes it is told by the loop, or looks after each
+// message.
+bool Peer::Send(Waiting message) noexcept {
+    const PacketResult result = waiting_.empty() ? SendPacket(Socket(), instance_, *message.message, false)
+                                                 : PacketResult::kWouldBlock;
+    if (result == PacketResult::kDone) {
+        if (message.is_reply) ListenAgain();
+        return true;
+    }
+    const size_t bytes = message.message->MemorySize();
+    const bool is_too_much = waiting_.size() >= kMostWaiting ||
+                             (!message.is_reply && waiting_bytes_ + bytes > kMostWaitingBytes);
+    if (result != PacketResult::kWouldBlock || is_too_much) { // no event tells of a system's want of memory
+        is_cut_off_ = true;
+        return false;
+    }
+    try {
+        waiting_.push_back(std::move(message));
+    } catch (const std::bad_alloc &) {
+        is_cut_off_ = true;
+        return false;
+    }
+    waiting_bytes_ += bytes;
+    is_listened_to_ = false;
+    loop_.Change(Socket(), EPOLLOUT);
+    return true;
 }
 
 void Peer::SendWaiting() noexcept {
-    if (!waiting_) return;
-    const auto message = std::move(waiting_);
-    Send(std::move(*message));
+    while (!waiting_.empty()) {
+        const Waiting next = waiting_.front();
+        const PacketResult result = SendPacket(Socket(), instance_, *next.message, false);
+        if (result == PacketResult::kWouldBlock) return;
+        if (result != PacketResult::kDone) {
+            waiting_.clear();
+            is_cut_off_ = true;
+            return;
+        }
+        waiting_.pop_front();
+        waiting_bytes_ -= next.message->MemorySize();
+        if (next.is_reply) is_busy_ = false;
+    }
+    if (is_busy_) return loop_.Change(Socket(), 0);
+    ListenAgain();
 }
 
 } // namespace vellum

@@ -7,16 +7,17 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
-#include <optional>
 
 namespace vellum {
 
 class EventLoop;
 
 // A peer asks one thing at a time: its next message is read when it has taken the reply to the last one.
-// So nobody who asks without listening takes more memory than one reply.
+// So nobody who asks without listening takes more memory than one reply, and what may be told in between.
 class Peer : public std::enable_shared_from_this<Peer> {
 public:
     Peer(EventLoop &loop, TDescriptor socket, uint64_t instance, pid_t process) noexcept
@@ -30,24 +31,46 @@ public:
 
     // True from a request's arrival until its reply has left.
     bool IsBusy() const noexcept { return is_busy_; }
-    void Begin() noexcept;
+    void Begin() noexcept { is_busy_ = true; }
+
+    // Has nothing be read while the peer is busy; it is heard of all the same when it hangs up.
+    void WaitUntilReplied() noexcept;
 
     // Sends the reply to what was asked last, at once or when there is room. Nothing when the peer is gone.
     void Reply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) noexcept;
 
-    // Tells the peer something that it has not asked for. False when there is no room: it does not listen.
-    bool Tell(const OutgoingMessage &message) noexcept;
+    // Tells the peer something that it has not asked for, at once or when there is room. False when too
+    // much waits already: it does not listen.
+    bool Tell(const std::shared_ptr<const OutgoingMessage> &message) noexcept;
+
+    // True while something waits for room, and while half of what may wait does.
+    bool HasWaiting() const noexcept { return !waiting_.empty(); }
+    bool IsBehind() const noexcept {
+        return waiting_.size() > kMostWaiting / 2 || waiting_bytes_ > kMostWaitingBytes / 2;
+    }
 
     // Sends what waits for room.
     void SendWaiting() noexcept;
 
     // Cuts the peer off, once what waits has left.
     void CutOff() noexcept { is_cut_off_ = true; }
-    bool IsCutOff() const noexcept { return is_cut_off_ && !waiting_; }
+    bool IsCutOff() const noexcept { return is_cut_off_ && waiting_.empty(); }
+
+    // Ends the connection. What the peer has sent and nobody has read is thrown away first, with care.
     void Close() noexcept;
+    bool IsClosed() const noexcept { return !socket_.IsOpen(); }
 
 private:
-    void Send(OutgoingMessage message) noexcept;
+    struct Waiting {
+        std::shared_ptr<const OutgoingMessage> message;
+        bool is_reply;
+    };
+
+    // What may be told to a peer and not be taken by it.
+    static constexpr size_t kMostWaiting = 1024;
+    static constexpr size_t kMostWaitingBytes = size_t{8} << 20;
+
+    bool Send(Waiting message) noexcept;
     void ListenAgain() noexcept;
 
     EventLoop &loop_;
@@ -55,8 +78,10 @@ private:
     const uint64_t instance_;
     const pid_t process_;
     bool is_busy_ = false;
+    bool is_listened_to_ = true;
     bool is_cut_off_ = false;
-    std::unique_ptr<OutgoingMessage> waiting_;
+    std::deque<Waiting> waiting_; // for room; while it is not empty, the loop watches for that alone
+    size_t waiting_bytes_ = 0;
 };
 
 } // namespace vellum

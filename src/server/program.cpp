@@ -2,16 +2,23 @@
 #include "server/program.hpp"
 
 #include "ipc/client/server_name.hpp"
+#include "ipc/encoding/travelling_values.hpp"
+#include "ipc/messages/notification_rows.hpp"
 #include "platform/fs/private_folder.hpp"
 #include "platform/log/log.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/process/process.hpp"
 #include "platform/process/random.hpp"
+#include "server/desktop_signals.hpp"
 #include "server/font_folders.hpp"
 #include "server/font_server.hpp"
 #include "server/message_service.hpp"
+#include "server/notification_hub.hpp"
 #include "server/readiness.hpp"
 #include "server/state_folders.hpp"
+#include "values/val_array.hpp"
+#include "values/val_dictionary.hpp"
+#include "values/val_str.hpp"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -20,6 +27,7 @@
 #include <sys/resource.h>
 #include <sys/signalfd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -66,6 +74,45 @@ uint64_t MakeInstance() {
     return instance;
 }
 
+TDescriptor Listen(const std::string &name) {
+    TDescriptor listener = ListenAsService(name.c_str());
+    if (!listener.IsOpen())
+        throw std::runtime_error("cannot listen as " + name + ": " + std::strerror(errno));
+    return listener;
+}
+
+// Tells every process of what happened in folders; who is told asks again, and so do their caches.
+void Tell(NotificationHub &hub, const ValString *key, const std::vector<std::string> &fonts) {
+    if (fonts.empty()) return;
+    TValMutableArray texts;
+    for (const std::string &font : fonts) texts.Append(TValStr(font).Get());
+    TValMutableDict user_info, notification;
+    user_info.Set(key, texts.Get());
+    notification.Set(kVLFontsChangedDistributedNotification, user_info.Get());
+    hub.Tell(notification.Publish().Get());
+}
+
+std::vector<std::string> TextsIn(const ValDictionary *user_info, const ValString *key) {
+    std::vector<std::string> texts;
+    for (const void *item : Elements(Cast<ValArray>(ValDictionaryGetValue(user_info, key))))
+        texts.emplace_back(TValStr(Retain(Cast<ValString>(item))).View());
+    return texts;
+}
+
+// Says on the desktop's bus what was told to everybody else.
+void Repeat(DesktopSignals &desktop, const ValDictionary *notification) {
+    const TValDict entries(Retain(notification));
+    const auto *user_info = entries.Get<ValDictionary>(kVLFontsChangedDistributedNotification);
+    if (user_info)
+        desktop.Say({TextsIn(user_info, kAvailableFontURLsAddedKey),
+                     TextsIn(user_info, kAvailableFontURLsRemovedKey)});
+}
+
+void TellOfNews(NotificationHub &hub, const FolderNews &news) {
+    Tell(hub, kAvailableFontURLsRemovedKey, news.went);
+    Tell(hub, kAvailableFontURLsAddedKey, news.came);
+}
+
 // The signals that end the program, as a descriptor.
 TDescriptor EndingSignals() {
     sigset_t signals;
@@ -90,20 +137,22 @@ void Serve() {
 
     StateDatabase user(UserStateFolder() + "/fonts.db"), session(folder + "/" + name + ".session.db");
     EventLoop loop;
+    const uint64_t instance = MakeInstance();
+    DesktopSignals desktop;
+    NotificationHub hub(loop, Listen(ServerName(kNotificationHubName).Get()), instance,
+                        [&desktop](const ValDictionary *notification) { Repeat(desktop, notification); });
     SharedRegister fonts(user, session);
-    FontFolders folders(loop, fonts, [](const FolderNews &) {});
-    folders.Load(user.Load().directories);
+    FontFolders folders(loop, fonts, [&hub](const FolderNews &news) { TellOfNews(hub, news); });
     fonts.Load();
+    folders.Load(user.Load().directories);
 
     FontServer server(loop, fonts, folders);
     TDescriptor listener = InheritedListener();
-    if (!listener.IsOpen()) listener = ListenAsService(name.c_str());
-    if (!listener.IsOpen())
-        throw std::runtime_error("cannot listen as " + name + ": " + std::strerror(errno));
-    const MessageService service(loop, std::move(listener), MakeInstance(),
-                                 [&](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
+    if (!listener.IsOpen()) listener = Listen(name);
+    const MessageService service(loop, std::move(listener), MakeInstance(), FontServer::kMostMemory,
+                                 {[&](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
                                      server.Answer(peer, message);
-                                 });
+                                 }});
     loop.Watch(signals.Get(), EPOLLIN, [&loop](uint32_t) { loop.Stop(); });
     SayThatItIsReady();
     loop.Run();

@@ -16,6 +16,7 @@ namespace vellum {
 namespace {
 
 constexpr size_t kMostProviders = 1024;
+constexpr ptrdiff_t kMostOfAProcess = 16;
 
 Ref<const ValUUID> MakeUUID(std::string_view text) {
     return Adopt(ValUUIDCreateWithString(TValStr(text).Get()));
@@ -31,7 +32,9 @@ bool ProviderList::Add(std::string_view uuid, pid_t process) {
     DropDead();
     if (!MakeUUID(uuid) || providers_.size() >= kMostProviders) return false;
     const auto is_there = [&](const Provider &one) { return one.uuid == uuid && one.process == process; };
-    if (std::ranges::none_of(providers_, is_there)) providers_.push_back({std::string(uuid), process});
+    if (std::ranges::any_of(providers_, is_there)) return true;
+    if (std::ranges::count(providers_, process, &Provider::process) >= kMostOfAProcess) return false;
+    providers_.push_back({std::string(uuid), process});
     return true;
 }
 

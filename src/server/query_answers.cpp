@@ -159,31 +159,6 @@ OutgoingReply AnswerPropertiesForAllFonts(FontServer &server, const MessageRow &
     });
 }
 
-OutgoingReply AnswerPropertiesForFonts(FontServer &server, const MessageRow &,
-                                       const ReceivedArguments &arguments) {
-    const auto urls = Resurrected<ValArray>(arguments[0].memory);
-    const auto keys = Resurrected<ValSet>(arguments[1].memory);
-    if (!urls || !keys) return {};
-    return WithValue(server.Fonts().CopyPropertiesForFonts(urls.Get(), keys.Get(), kVLScopeProcess).Get());
-}
-
-OutgoingReply AnswerPropertyForFonts(FontServer &server, const MessageRow &,
-                                     const ReceivedArguments &arguments) {
-    const auto urls = Resurrected<ValArray>(arguments[0].memory);
-    const TValStr key(arguments[1].text);
-    if (!urls || !key) return {};
-    return WithValue(
-        server.Fonts().CopyPropertyForFonts(urls.Get(), key.Unique().Get(), kVLScopeProcess).Get());
-}
-
-OutgoingReply AnswerPropertiesForFont(FontServer &server, const MessageRow &,
-                                      const ReceivedArguments &arguments) {
-    const TValURL url = TValURL::FromText(arguments[0].text);
-    const auto keys = Resurrected<ValSet>(arguments[1].memory);
-    if (!url || !keys) return {};
-    return WithValue(server.Fonts().CopyPropertiesForFont(url.Get(), keys.Get(), kVLScopeProcess).Get());
-}
-
 // The fonts of all processes stand under the number 2; 1 is each process's own.
 OutgoingReply AnswerExperimentalDataFunnel(FontServer &server, const MessageRow &row,
                                            const ReceivedArguments &) {

@@ -2,6 +2,7 @@
 #include "server/shared_register.hpp"
 
 #include "platform/font/font_cache.hpp"
+#include "store/font_path_index.hpp"
 #include "values/val_array.hpp"
 #include "values/val_url.hpp"
 
@@ -15,8 +16,16 @@ constexpr VLScope kOwnScope = kVLScopeProcess | kVLScopeLegacyTold;
 // Where the fonts lie is for the client to decide: it has copied what it wanted copied.
 constexpr VLFontFlags kOwnFlags = ~VLFontFlags{kVLFontFlagCopyToStable};
 
+// As the URL spells it; empty for what is no file.
+std::string SpelledPathOf(const ValURL *url) {
+    const TValURL absolute = TValURL(Retain(url)).Absolute();
+    if (absolute.Scheme().View() != "file") return {};
+    return std::string(absolute.Path().View());
+}
+
+// By which the file is known here, however it is spelled.
 std::string PathOf(const ValURL *url) {
-    return std::string(TValURL(Retain(url)).Absolute().Path().View());
+    return NormalizePath(SpelledPathOf(url));
 }
 
 std::string PathOfText(const std::string &text) {
@@ -38,19 +47,24 @@ std::vector<std::string> TextsOf(const ValArray *urls) {
 
 } // namespace
 
+// What is disabled must be known before the first file comes.
 void SharedRegister::Load() {
-    LoadFrom(Lasting::kForUser);
-    LoadFrom(Lasting::kForSession);
+    const SavedState for_user = user_.database.Load(), for_session = session_.database.Load();
+    for (const std::string &text : for_user.disabled)
+        disabled_[PathOfText(text)].emplace(text, Lasting::kForUser);
+    for (const std::string &text : for_session.disabled)
+        disabled_[PathOfText(text)].emplace(text, Lasting::kForSession);
+    LoadFiles(for_user.files, Lasting::kForUser);
+    LoadFiles(for_session.files, Lasting::kForSession);
 }
 
-void SharedRegister::LoadFrom(Lasting lasting) {
-    const SavedState saved = For(lasting).database.Load();
-    for (const std::string &text : saved.disabled) disabled_[PathOfText(text)].emplace(text, lasting);
-    for (const SavedFile &row : saved.files) {
+void SharedRegister::LoadFiles(const std::vector<SavedFile> &saved, Lasting lasting) {
+    for (const SavedFile &row : saved) {
         File &file = files_[row.path];
         const bool is_there = file.IsWanted();
         (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
         file.flags = row.flags;
+        file.spelled = row.path;
         if (!is_there) Add(row.path, row.flags); // a file that cannot be read just now may come back
     }
 }
@@ -79,10 +93,11 @@ void SharedRegister::PutBack(const std::string &path, const File &former) {
     const bool is_there = found != files_.end();
     if (former.IsWanted()) {
         files_[path] = former;
-        if (!is_there) Add(path, former.flags);
+        if (!is_there) Add(former.spelled, former.flags);
     } else if (is_there) {
+        const std::string spelled = found->second.spelled;
         files_.erase(found);
-        TakeOut(path);
+        TakeOut(spelled);
     }
 }
 
@@ -92,8 +107,10 @@ bool SharedRegister::Register(const ValURL *url, VLFontFlags flags, Lasting last
     const File former = found == files_.end() ? File() : found->second;
     if (path.empty() || former.for_user || (lasting == Lasting::kForSession && former.for_session))
         return false;
-    if (!former.IsWanted() && !Add(path, flags)) return false;
+    const std::string spelled = former.IsWanted() ? former.spelled : SpelledPathOf(url);
+    if (!former.IsWanted() && !Add(spelled, flags)) return false;
     File &file = files_[path];
+    file.spelled = spelled;
     (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
     file.flags = flags;
     For(lasting).change.added.files.push_back({path, flags});
@@ -101,17 +118,19 @@ bool SharedRegister::Register(const ValURL *url, VLFontFlags flags, Lasting last
     return true;
 }
 
-std::vector<std::string> SharedRegister::FilesAt(const std::string &path) const {
+std::vector<std::string> SharedRegister::FilesAt(const std::string &spelled) const {
+    const std::string path = NormalizePath(spelled);
     std::vector<std::string> paths;
     if (path.empty()) return paths;
     for (auto at = files_.lower_bound(path); at != files_.end() && at->first.starts_with(path); ++at)
-        if (IsAt(at->first, path)) paths.push_back(at->first);
+        if (IsAt(at->first, path)) paths.push_back(at->second.spelled);
     return paths;
 }
 
 bool SharedRegister::Unregister(const ValURL *url, Lasting lasting) {
     bool is_done = true;
-    for (const std::string &path : FilesAt(PathOf(url))) is_done &= UnregisterFile(path, lasting);
+    for (const std::string &file : FilesAt(PathOf(url)))
+        is_done &= UnregisterFile(NormalizePath(file), lasting);
     return is_done;
 }
 
@@ -127,18 +146,18 @@ bool SharedRegister::UnregisterFile(const std::string &path, Lasting lasting) {
     undo_.push_back([this, path, former] { PutBack(path, former); });
     if (file.IsWanted()) return true;
     files_.erase(path);
-    TakeOut(path);
+    TakeOut(former.spelled);
     return true;
 }
 
 std::vector<std::string> SharedRegister::DisabledAt(const ValURL *url) const {
     const TValURL asked = TValURL(Retain(url)).Absolute();
     const bool is_face = asked.Fragment().Get() != nullptr;
-    const std::string path = PathOf(url);
     std::vector<std::string> texts;
-    for (auto at = disabled_.lower_bound(path); at != disabled_.end() && at->first.starts_with(path); ++at)
-        for (const auto &[text, lasting] : at->second)
-            if (is_face ? text == asked.Text() : IsAt(at->first, path)) texts.push_back(text);
+    const auto file = disabled_.find(PathOf(url));
+    if (file == disabled_.end()) return texts;
+    for (const auto &[text, lasting] : file->second)
+        if (!is_face || text == asked.Text()) texts.push_back(text);
     return texts;
 }
 
@@ -221,47 +240,59 @@ void SharedRegister::TakeBack() noexcept {
     undo_.clear();
 }
 
-bool SharedRegister::Found(const std::string &path) {
+bool SharedRegister::Found(const std::string &spelled, VLFontFlags flags, uint32_t priority) {
+    const std::string path = NormalizePath(spelled);
+    const auto known = files_.find(path);
+    const File former = known == files_.end() ? File() : known->second;
+    const bool is_there = former.IsWanted() && fonts_.IsFontRegistered(TValURL::FromPath(path).Get());
+    const bool is_new =
+        !is_there && (former.IsWanted() ? Add(former.spelled, former.flags) : Add(spelled, flags));
+    if (!is_new && !former.IsWanted()) return false; // no font, or a font under another name already
     File &file = files_[path];
-    const bool is_there = file.IsWanted();
+    if (!former.IsWanted()) {
+        file.spelled = spelled;
+        file.flags = flags;
+    }
     file.was_found = true;
-    return !is_there && Add(path, 0);
-}
-
-bool SharedRegister::Changed(const std::string &path) {
-    const auto found = files_.find(path);
-    if (found == files_.end()) return false;
-    TakeOut(path);
-    Add(path, found->second.flags);
-    return true;
+    file.priority = priority;
+    return is_new;
 }
 
 // What somebody has registered may come back: it is still wanted.
 bool SharedRegister::Vanished(const std::string &path) {
-    const auto found = files_.find(path);
+    const auto found = files_.find(NormalizePath(path));
     if (found == files_.end()) return false;
+    const std::string spelled = found->second.spelled;
     found->second.was_found = false;
     if (!found->second.IsWanted()) files_.erase(found);
-    const bool was_there = fonts_.IsFontRegistered(TValURL::FromPath(path).Get());
-    TakeOut(path);
+    const bool was_there = fonts_.IsFontRegistered(TValURL::FromPath(spelled).Get());
+    TakeOut(spelled);
     return was_there;
 }
 
 bool SharedRegister::LetGo(const std::string &path) {
-    const auto found = files_.find(path);
+    const auto found = files_.find(NormalizePath(path));
     if (found == files_.end()) return false;
     found->second.was_found = false;
     return !found->second.IsWanted() && Vanished(path);
 }
 
 VLScope SharedRegister::ScopeOf(const ValURL *url) const {
-    const auto found = files_.find(PathOf(url));
-    if (found == files_.end() || !fonts_.GetFontScope(url)) return 0;
-    const File &file = found->second;
+    if (!fonts_.GetFontScope(url)) return 0;
     VLScope scope = 0;
-    if (file.for_user || file.was_found) scope |= kVLScopeUser;
-    if (file.for_session) scope |= kVLScopeSession;
+    for (const std::string &spelled : FilesAt(PathOf(url))) {
+        const File &file = files_.at(NormalizePath(spelled));
+        if (file.for_user || file.was_found) scope |= kVLScopeUser;
+        if (file.for_session) scope |= kVLScopeSession;
+    }
     return scope;
+}
+
+uint32_t SharedRegister::PriorityOf(const ValURL *url) const {
+    const auto found = files_.find(PathOf(url));
+    if (found == files_.end()) return 0;
+    const File &file = found->second;
+    return file.for_session ? kSessionPriority : file.for_user ? kUserPriority : file.priority;
 }
 
 } // namespace vellum

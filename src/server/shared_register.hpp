@@ -15,6 +15,13 @@
 
 namespace vellum {
 
+// Of several fonts that fit alike, the one of the highest priority is preferred. A process's own come
+// first.
+constexpr uint32_t kSessionPriority = 50'000;
+constexpr uint32_t kUserPriority = 40'000;
+constexpr uint32_t kLocalPriority = 30'000;  // installed on this machine by its administrator
+constexpr uint32_t kSystemPriority = 20'000; // installed with the system
+
 // How long a change lasts.
 enum class Lasting { kForSession, kForUser };
 
@@ -26,7 +33,8 @@ public:
 
     const TLocalGlypharyImp &Fonts() const noexcept { return fonts_; }
 
-    // Registers what was saved, and disables what was. Throws std::runtime_error.
+    // Registers what was saved, and disables what was, then and when it comes. Before the first change.
+    // Throws std::runtime_error.
     void Load();
 
     // ---- changes of one font; Save makes them last ----
@@ -55,19 +63,22 @@ public:
     }
 
     // ---- what happens in folders that are watched; true when the register has changed ----
-    bool Found(const std::string &path);
-    bool Changed(const std::string &path); // of a file that is wanted
+    bool Found(const std::string &path, VLFontFlags flags, uint32_t priority);
     bool Vanished(const std::string &path);
     bool LetGo(const std::string &path); // the folder is not one of ours any more; the file may be there
 
     // Whether somebody wants the file.
-    bool IsWanted(const std::string &path) const { return files_.contains(path); }
+    bool IsWanted(const std::string &path) const { return !FilesAt(path).empty(); }
 
     // The wanted files beneath a folder, or the file of that path itself.
     std::vector<std::string> FilesAt(const std::string &path) const;
 
-    // For whom a font is there: kVLScopeUser, kVLScopeSession, or both; the former for what was found.
+    // For whom a font is there: kVLScopeUser, kVLScopeSession, or both; the former for what was found. Of a
+    // folder, for whom its fonts are.
     VLScope ScopeOf(const ValURL *url) const;
+
+    // 0 for what is not there.
+    uint32_t PriorityOf(const ValURL *url) const;
 
 private:
     struct File {
@@ -75,6 +86,8 @@ private:
         bool for_session = false;
         bool was_found = false;
         VLFontFlags flags = 0;
+        uint32_t priority = 0; // of what was found
+        std::string spelled;   // its path, as whoever came first has spelled it
 
         bool IsWanted() const noexcept { return for_user || for_session || was_found; }
     };
@@ -84,7 +97,7 @@ private:
     };
 
     Saved &For(Lasting lasting) noexcept { return lasting == Lasting::kForUser ? user_ : session_; }
-    void LoadFrom(Lasting lasting);
+    void LoadFiles(const std::vector<SavedFile> &saved, Lasting lasting);
     bool Add(const std::string &path, VLFontFlags flags);
     void TakeOut(const std::string &path);
     void DisableAgain(const std::string &path);
@@ -97,7 +110,7 @@ private:
 
     TLocalGlypharyImp fonts_;
     Saved user_, session_;
-    std::map<std::string, File> files_; // by path; each is wanted
+    std::map<std::string, File> files_; // by normalized path; each is wanted
     std::map<std::string, std::map<std::string, Lasting>>
         disabled_;                            // faces by path, and by their URLs' texts
     std::vector<std::function<void()>> undo_; // of what is not saved yet

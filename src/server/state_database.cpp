@@ -4,6 +4,7 @@
 #include "platform/log/log.hpp"
 
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <exception>
@@ -23,8 +24,26 @@ constexpr char kSchema[] =
     "CREATE TABLE IF NOT EXISTS disabled"
     " (number INTEGER PRIMARY KEY, url BLOB UNIQUE NOT NULL);";
 
+struct DatabaseError : std::runtime_error {
+    explicit DatabaseError(sqlite3 *database)
+        : std::runtime_error(database ? sqlite3_errmsg(database) : "memory is exhausted"),
+          code(database ? sqlite3_errcode(database) : SQLITE_NOMEM) {}
+
+    // What is in the file is no database; other troubles may pass.
+    bool IsOfTheFile() const noexcept { return code == SQLITE_CORRUPT || code == SQLITE_NOTADB; }
+
+    int code;
+};
+
 [[noreturn]] void Throw(sqlite3 *database) {
-    throw std::runtime_error(database ? sqlite3_errmsg(database) : "memory is exhausted");
+    throw DatabaseError(database);
+}
+
+// A name for what is set aside under which nothing lies yet.
+std::string NameAside(const std::string &path) {
+    std::string name = path + ".broken";
+    for (int i = 2; ::access(name.c_str(), F_OK) == 0; ++i) name = path + ".broken-" + std::to_string(i);
+    return name;
 }
 
 class Statement {
@@ -96,12 +115,13 @@ bool StateChange::IsEmpty() const noexcept {
 StateDatabase::StateDatabase(const std::string &path) {
     try {
         Open(path);
-    } catch (const std::exception &problem) {
-        Log(LogLevel::kError, "What was registered cannot be read from %s, which is set aside: %s",
-            path.c_str(), problem.what());
+    } catch (const DatabaseError &problem) {
         sqlite3_close_v2(std::exchange(database_, nullptr));
-        std::rename(path.c_str(), (path + ".broken").c_str());
-        for (const char *companion : {"-wal", "-shm"}) std::remove((path + companion).c_str());
+        if (!problem.IsOfTheFile()) throw std::runtime_error(path + ": " + problem.what());
+        const std::string aside = NameAside(path);
+        Log(LogLevel::kError, "What was registered cannot be read from %s, which is kept as %s: %s",
+            path.c_str(), aside.c_str(), problem.what());
+        for (const char *part : {"", "-wal"}) std::rename((path + part).c_str(), (aside + part).c_str());
         Open(path);
     }
 }

@@ -39,8 +39,8 @@ struct StateChange {
 
 class StateDatabase {
 public:
-    // Opens or makes the database. One that cannot be read is set aside, under its name and ".broken", and
-    // begun anew; the log says so. Throws std::runtime_error when there can be none there.
+    // Opens or makes the database. A file that is none any more is set aside, under its name and ".broken",
+    // and begun anew; the log says so. Throws std::runtime_error when the trouble is another.
     explicit StateDatabase(const std::string &path);
     ~StateDatabase();
     StateDatabase(const StateDatabase &) = delete;

@@ -14,8 +14,6 @@ namespace {
 constexpr const char *kSystemFonts = "/usr/share/fonts";
 constexpr const char *kLocalFonts = "/usr/local/share/fonts";
 
-constexpr VLFontFlags kSystemFontFlags = kVLFontFlagRootVolume | kVLFontFlagLocalVolume | kVLFontFlagSystem;
-
 // Folders this deep below the root of a font tree are not looked into.
 constexpr int kDeepestFolder = 32;
 
@@ -45,6 +43,10 @@ std::vector<std::string> SystemFontDirectories() {
     AppendTree(directories, kSystemFonts, 0);
     AppendTree(directories, kLocalFonts, 0);
     return directories;
+}
+
+bool IsLocalFontDirectory(const std::string &directory) {
+    return directory.find(kLocalFonts) != std::string::npos;
 }
 
 void RegisterSystemFontsLocally(TGlypharyProtocol &registry) {

@@ -14,6 +14,12 @@ namespace vellum {
 // VELLUM_FONTS_ROOT naming a directory that can be opened: exactly the two tree roots beneath it.
 std::vector<std::string> SystemFontDirectories();
 
+// What the fonts of those directories are registered with.
+constexpr VLFontFlags kSystemFontFlags = kVLFontFlagRootVolume | kVLFontFlagLocalVolume | kVLFontFlagSystem;
+
+// Whether one of those directories is of the local tree: what this machine's administrator has installed.
+bool IsLocalFontDirectory(const std::string &directory);
+
 // Registers every file in those directories; what is no font is passed over.
 void RegisterSystemFontsLocally(TGlypharyProtocol &registry);
 

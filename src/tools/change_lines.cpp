@@ -25,9 +25,15 @@ void ChangeLines::Hear(void *, void *observer, const ValString *, const void *,
     }
 }
 
+// A list without fonts says that nobody knows which have changed.
 void ChangeLines::Write(const ValDictionary *user_info) {
+    const ValArray *added = ArrayAt(user_info, kAvailableFontURLsAddedKey);
+    if (added && ValArrayGetCount(added) == 0)
+        out_ << (form_ == Form::kJson ? Dump({{"change", "unknown"}, {"url", nullptr}}, -1)
+                                      : "unknown  any font may have changed; ask again")
+             << '\n';
     Write("removed", ArrayAt(user_info, kAvailableFontURLsRemovedKey));
-    Write("added", ArrayAt(user_info, kAvailableFontURLsAddedKey));
+    Write("added", added);
     out_.flush();
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/arguments.hpp"
 #include "tools/file_faces.hpp"
+#include "tools/server.hpp"
 #include "tools/text.hpp"
 
 #include <algorithm>
@@ -33,19 +34,33 @@ Json OrNull(const std::string &name) {
     return name.empty() ? Json() : Json(name);
 }
 
-} // namespace
-
-void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths) {
-    verb.add_option("--in", paths, "only the fonts of these files and folders, not the machine's")
-        ->type_name("PATH")
-        ->check(IsPath())
-        ->allow_extra_args(false);
+VLScope ScopeFor(const FontChoice &choice) {
+    if (!choice.paths.empty()) return kVLScopeProcess;
+    return choice.scope.empty() ? VLScope{kVLScopeAll} : ScopeOf(choice.scope);
 }
 
-FontSet::FontSet(const std::vector<std::string> &paths, VLScope more)
-    : scope_(paths.empty() ? VLScope{kVLScopeAll} : VLScope{kVLScopeProcess}) {
-    if (paths.empty()) return;
-    const FontFiles files = FindFontFiles(paths);
+} // namespace
+
+void AddFontSetOptions(CLI::App &verb, FontChoice &choice) {
+    auto *in = verb.add_option("--in", choice.paths,
+                               "only the fonts of these files and folders, not the machine's")
+                   ->type_name("PATH")
+                   ->check(IsPath())
+                   ->allow_extra_args(false);
+    verb.add_option(
+            "--scope", choice.scope,
+            "only the fonts that this program alone has (process), or that all have (session, user)")
+        ->type_name("SCOPE")
+        ->check(IsScope())
+        ->excludes(in);
+}
+
+FontSet::FontSet(const FontChoice &choice, VLScope more) : scope_(ScopeFor(choice)) {
+    if (choice.paths.empty()) {
+        if (scope_ != kVLScopeProcess && ServerIsMissed()) ReportNoServer("these are the machine's fonts");
+        return;
+    }
+    const FontFiles files = FindFontFiles(choice.paths);
     refusals_ = files.refusals;
     size_t registered = 0;
     for (const std::string &path : files.paths) {

@@ -14,14 +14,19 @@
 
 namespace vellum::tool {
 
-// The option that names the files; `paths` must outlive the parsing.
-void AddFontSetOption(CLI::App &verb, std::vector<std::string> &paths);
+struct FontChoice {
+    std::vector<std::string> paths; // none: the machine's fonts
+    std::string scope;              // empty: everybody's and the process's own
+};
+
+// The options that name the files, or the register; `choice` must outlive the parsing.
+void AddFontSetOptions(CLI::App &verb, FontChoice &choice);
 
 class FontSet {
 public:
     // Registers the fonts of the files and folders for this process; with none, nothing. Says on standard
-    // error what was refused. `more` may have kVLScopeSilent.
-    explicit FontSet(const std::vector<std::string> &paths, VLScope more = kVLScopeSilent);
+    // error what was refused, and that no server holds the machine's fonts. `more` may have kVLScopeSilent.
+    explicit FontSet(const FontChoice &choice, VLScope more = kVLScopeSilent);
 
     // To be asked with: the process's own fonts where files were named, else all that the machine has.
     VLScope Scope() const noexcept { return scope_; }

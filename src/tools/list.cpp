@@ -19,7 +19,7 @@ namespace {
 
 struct Options {
     std::string what = "families";
-    std::vector<std::string> in;
+    FontChoice fonts;
     std::vector<std::string> words; // the request, in the form of ReadWishes
     std::vector<std::string> languages;
     std::vector<std::string> characters;
@@ -136,7 +136,7 @@ void AddWords(Options &options, const std::string &subject, const std::vector<st
 }
 
 int List(const Options &options) {
-    const FontSet fonts(options.in);
+    const FontSet fonts(options.fonts);
     const bool is_everything = options.words.empty() && options.where.empty();
     const auto items =
         is_everything ? ListAll(options.what, fonts.Scope()) : ListFonts(options, fonts.Scope());
@@ -166,7 +166,7 @@ void AddList(CLI::App &app, int &result) {
                      "only fonts of which vellum inspect --property KEY shows VALUE, or has it in a list")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
-    AddFontSetOption(*verb, options->in);
+    AddFontSetOptions(*verb, options->fonts);
     auto *json = verb->add_flag("--json", options->json, "one JSON document");
     verb->add_flag("--jsonl", options->jsonl, "one JSON string a line")->excludes(json);
     verb->footer(

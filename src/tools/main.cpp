@@ -2,14 +2,18 @@
 // vellum VERB: fonts from the command line. Each verb is a file of its own that adds itself here.
 #include "tools/change.hpp"
 #include "tools/coverage.hpp"
+#include "tools/doctor.hpp"
 #include "tools/exit_code.hpp"
 #include "tools/fontinfo.hpp"
 #include "tools/inspect.hpp"
 #include "tools/list.hpp"
 #include "tools/match.hpp"
 #include "tools/monitor.hpp"
+#include "tools/provider.hpp"
 #include "tools/runs.hpp"
 #include "tools/server.hpp"
+#include "tools/server_verb.hpp"
+#include "tools/status.hpp"
 #include "tools/text.hpp"
 
 #include <CLI/CLI.hpp>
@@ -48,6 +52,7 @@ int Run(int count, char **arguments) {
     app.footer(
         "Example:\n  vellum inspect ~/.local/share/fonts\n\n'vellum VERB --help' tells more of a verb.\n");
     int result = kDone;
+    AddServerFlag(app, count, arguments);
     AddList(app, result);
     AddMatch(app, result);
     AddText(app, result);
@@ -56,6 +61,10 @@ int Run(int count, char **arguments) {
     AddFontInfo(app, result);
     AddChanges(app, result);
     AddMonitor(app, result);
+    AddServer(app, result);
+    AddProvider(app, result);
+    AddStatus(app, result);
+    AddDoctor(app, result);
 
     DoWithoutServerWhereThereIsNone();
     if (const int misuse = Parse(app, count, arguments)) return misuse;

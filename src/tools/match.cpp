@@ -19,7 +19,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> words;
-    std::vector<std::string> in;
+    FontChoice fonts;
     std::optional<std::string> why_not;
     bool all = false;
     bool explain = false;
@@ -134,7 +134,7 @@ int RunMatch(const Options &options) {
     const auto wishes = ReadWishes(options.words);
     if (options.why_not && options.why_not->empty())
         throw CLI::ValidationError("--why-not", "a font's name or path is wanted");
-    const FontSet fonts(options.in);
+    const FontSet fonts(options.fonts);
     Match match = Find(wishes, fonts.Scope());
     if (!match.IsFound() && options.substitute) match = FindSubstitute(wishes, fonts.Scope());
     std::vector<FoundFont> found = DescribeAll(match.answer.fonts.Get(), fonts.Scope());
@@ -161,7 +161,7 @@ void AddMatch(CLI::App &app, int &result) {
     verb->add_flag(
         "--substitute", options->substitute,
         "when nothing fits, the font that fits as much of the request as can be, marked as such");
-    AddFontSetOption(*verb, options->in);
+    AddFontSetOptions(*verb, options->fonts);
     verb->add_flag("--json", options->json, "one JSON document");
     verb->footer(
         RequestHelp() +

@@ -53,7 +53,7 @@ public:
 
     // Without a server only the fonts of this run are heard of.
     int Run(int descriptor, bool is_alone) {
-        const FontSet fonts(options_.in, 0);
+        const FontSet fonts({options_.in, {}}, 0);
         while (true) {
             VLDeliverNotifications();
             if (lines_.HasEnough() || !std::cout) return fonts.Found();

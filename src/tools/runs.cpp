@@ -23,7 +23,7 @@ namespace {
 struct Options {
     std::string text;
     std::optional<std::string> font;
-    std::vector<std::string> in;
+    FontChoice fonts;
     bool json = false;
 };
 
@@ -167,7 +167,7 @@ Ref<const ValURL> FindPreferred(const std::string &name, VLScope scope) {
 }
 
 int RunText(const Options &options) {
-    const FontSet fonts(options.in);
+    const FontSet fonts(options.fonts);
     Ref<const ValURL> preferred;
     if (options.font && !(preferred = FindPreferred(*options.font, fonts.Scope()))) return fonts.NotFound();
     RunMaker maker(std::move(preferred), fonts.Scope());
@@ -189,7 +189,7 @@ void AddText(CLI::App &app, int &result) {
     verb->add_option("STRING", options->text, "the text, in UTF-8")->required();
     verb->add_option("--font", options->font, "the font that draws whatever it has, by one of its names")
         ->type_name("NAME");
-    AddFontSetOption(*verb, options->in);
+    AddFontSetOptions(*verb, options->fonts);
     verb->add_flag("--json", options->json, "one JSON document");
     verb->footer(
         "Blanks, punctuation and marks stay with the text before them where its font has them.\n\n"

@@ -9,6 +9,9 @@
 
 namespace vellum::tool {
 
+// The name of a scope.
+CLI::Validator IsScope();
+
 // The option that says for whom; "user" when it is left out. `scope` must outlive the parsing.
 void AddScopeOption(CLI::App &verb, std::string &scope);
 
@@ -18,6 +21,13 @@ VLScope ScopeOf(const std::string &name);
 // Whether a font server answered when this run began. Without one, changes of the shared register last for
 // this run alone.
 bool ServerRuns();
+
+// The flag of the whole tool by which a run does without a server. It is looked for before anything else
+// is.
+void AddServerFlag(CLI::App &app, int count, char **arguments);
+
+// Whether a server would have been asked, and none runs.
+bool ServerIsMissed();
 
 // Has the shared register be this process's own, with the machine's fonts, where no server holds it: nobody
 // waits for one that is not there. Before the register is asked.

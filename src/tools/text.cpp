@@ -131,6 +131,10 @@ std::string Grouped(size_t number) {
     return text;
 }
 
+std::string Counted(size_t number, const char *one, const char *many) {
+    return Grouped(number) + ' ' + (number == 1 ? one : many);
+}
+
 Ref<const ValURL> FileURL(std::string_view path) {
     const auto text = Adopt(ValStringCreateWithFileSystemRepresentation(path.data(), path.size()));
     auto url = Adopt(ValURLCreateWithFileSystemPath(text.Get(), false, nullptr));

@@ -34,6 +34,9 @@ std::string UTF8(uint32_t character);
 // A number with its thousands apart: "12,345".
 std::string Grouped(size_t number);
 
+// A number of things: "1 font", "12,345 fonts".
+std::string Counted(size_t number, const char *one, const char *many);
+
 Ref<const ValURL> FileURL(std::string_view path);
 
 // The path of a file URL; its escapes decoded.

@@ -34,7 +34,8 @@ OUTSIDERS = {"tools"}
 
 # Headers of the outside world, and the only rooms that may know them.
 OUTSIDE_HEADERS = [
-    (re.compile(r"(glib|gio|gmodule|gobject)([-./].*)?$|glib\.h$"), {"platform"}),
+    (re.compile(r"gio/gio\.h$"), {"platform", "server"}),
+    (re.compile(r"(glib|gmodule|gobject)([-./].*)?$|glib\.h$"), {"platform"}),
     (re.compile(r"hb(-[\w-]+)?\.h$|harfbuzz/"), {"platform", "tools"}),
     (re.compile(r"ft2build\.h$|freetype/|freetype2/"), {"platform"}),
     (re.compile(r"expat\w*\.h$"), {"platform"}),

@@ -3,6 +3,9 @@
 // back.
 #include "query_registers.hpp"
 
+#include <filesystem>
+#include <fstream>
+
 namespace vellum::test {
 namespace {
 
@@ -143,14 +146,44 @@ TEST_F(ExportedChanges, ADirectoryIsTakenForTheUserAlone) {
     EXPECT_TRUE(TGlobalGlyphary::IsCreated());
 }
 
+// Puts other bytes of the same number into a file, which nobody sees from outside.
+void ReplaceUnnoticed(const std::string &path, const Bytes &bytes) {
+    ASSERT_EQ(std::filesystem::file_size(path), bytes.size());
+    const auto time = std::filesystem::last_write_time(path);
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    std::filesystem::last_write_time(path, time);
+}
+
 // The parser may keep what it read of a file: not beyond the file's being unregistered.
 TEST_F(ExportedChanges, AFileThatIsUnregisteredAndReplacedIsReadAnew) {
     const auto url = Add("a.ttf", MakeFont({"Old"}));
     EXPECT_THAT(Names(kVLScopeProcess), ElementsAre("Old-Regular"));
+    ReplaceUnnoticed(folder.File("a.ttf"), MakeFont({"New"}));
     EXPECT_TRUE(VLUnregisterFont(url.Get(), 0, kVLScopeProcess));
-    folder.Add("a.ttf", MakeFont({"New"}));
     EXPECT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
     EXPECT_THAT(Names(kVLScopeProcess), ElementsAre("New-Regular"));
+}
+
+// ---- what the parser keeps ----
+
+TEST_F(ExportedChanges, OfOneFileMakeTheParserForgetThatFileAlone) {
+    const auto one = Add("1.ttf", MakeFont({"A"})), two = Add("2.ttf", MakeFont({"B"}));
+    const auto first = CreateFontFromURL(one.Get()), second = CreateFontFromURL(two.Get());
+    ASSERT_EQ(CreateFontFromURL(one.Get()).Get(), first.Get());
+    EXPECT_TRUE(Unregister(Array({one}), kVLScopeProcess).succeeded);
+    EXPECT_NE(CreateFontFromURL(one.Get()).Get(), first.Get());
+    EXPECT_EQ(CreateFontFromURL(two.Get()).Get(), second.Get());
+}
+
+TEST_F(ExportedChanges, OfSeveralFilesMakeTheParserForgetEverything) {
+    const auto one = Add("1.ttf", MakeFont({"A"})), two = Add("2.ttf", MakeFont({"B"})),
+               third = Add("3.ttf", MakeFont({"C"}));
+    const auto kept = CreateFontFromURL(third.Get());
+    ASSERT_EQ(CreateFontFromURL(third.Get()).Get(), kept.Get());
+    EXPECT_TRUE(Unregister(Array({one, two}), kVLScopeProcess).succeeded);
+    EXPECT_NE(CreateFontFromURL(third.Get()).Get(), kept.Get());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 // thread, and with which fonts.
 #include "frame/registry/generation_seed.hpp"
 #include "ipc/notify/change_notifications.hpp"
+#include "ipc/notify/distributed_center.hpp"
 #include "platform/notify/notification_center.hpp"
 #include "query_registers.hpp"
 #include "support/captured_log.hpp"
@@ -28,7 +29,8 @@ protected:
     // A process that asks the font server, which does not run, observes the changes of others.
     void UseServer() {
         ::setenv("VELLUM_IGNORE_SERVER", "0", 1);
-        CapturedLog log; // that nobody is there
+        ::setenv("XDG_RUNTIME_DIR", system.Path().c_str(), 1); // where nobody listens
+        CapturedLog log;                                       // that nobody is there
         VLGetScopeForFont(folder.URLOf("any.ttf").Get());
     }
 
@@ -130,7 +132,7 @@ TEST_F(Notifications, ASharedChangeGoesToEveryProcessAndComesBackThroughTheProce
     UseServer();
     const auto shared = folder.Add("a.ttf", MakeFont({"A"}));
     std::vector<std::string> between;
-    NotificationCenter::Distributed().AddObserver(
+    DistributedCenter::Shared().AddObserver(
         &between,
         [](void *, void *observer, const ValString *name, const void *, const ValDictionary *info) {
             static_cast<std::vector<std::string> *>(observer)->push_back(TextOf(name) + " " +
@@ -142,7 +144,7 @@ TEST_F(Notifications, ASharedChangeGoesToEveryProcessAndComesBackThroughTheProce
                 ElementsAre("com_orrery_Laydown_FontManagerChangedNotification " + TextOfURL(shared)));
     EXPECT_THAT(heard.SoFar(), IsEmpty());
     EXPECT_THAT(heard.Next(), ElementsAre(Removed({TextOfURL(shared)})));
-    NotificationCenter::Distributed().RemoveObserver(&between);
+    DistributedCenter::Shared().RemoveObserver(&between);
 }
 
 TEST_F(Notifications, AChangeInAnotherProcessMovesTheGenerationBeforeItIsDelivered) {
@@ -152,7 +154,7 @@ TEST_F(Notifications, AChangeInAnotherProcessMovesTheGenerationBeforeItIsDeliver
     ValArrayAppend(text.Get(), String("file:///x.ttf").Get());
     const void *const keys[] = {kAvailableFontURLsAddedKey}, *const values[] = {text.Get()};
     const auto info = Adopt(ValDictionaryCreate(keys, values, 1));
-    NotificationCenter::Distributed().Post(kVLFontsChangedDistributedNotification, info.Get());
+    DistributedCenter::Shared().Post(kVLFontsChangedDistributedNotification, info.Get());
     EXPECT_EQ(TGenerationSeed::GetGeneration(), before + 1);
     EXPECT_THAT(heard.SoFar(), IsEmpty());
     EXPECT_THAT(heard.Next(), ElementsAre(Added({"file:///x.ttf"})));
@@ -161,7 +163,7 @@ TEST_F(Notifications, AChangeInAnotherProcessMovesTheGenerationBeforeItIsDeliver
 TEST_F(Notifications, ASharedChangeStaysInTheProcessWhereTheServerIsIgnored) {
     const auto shared = AddShared("a.ttf", MakeFont({"A"}));
     bool left = false;
-    NotificationCenter::Distributed().AddObserver(
+    DistributedCenter::Shared().AddObserver(
         &left,
         [](void *, void *observer, const ValString *, const void *, const ValDictionary *) {
             *static_cast<bool *>(observer) = true;
@@ -170,7 +172,7 @@ TEST_F(Notifications, ASharedChangeStaysInTheProcessWhereTheServerIsIgnored) {
     VLDisableFonts(Array({shared}).Get(), 0, kVLScopeUser);
     EXPECT_THAT(heard.Next(), ElementsAre(Removed({TextOfURL(shared)})));
     EXPECT_FALSE(left);
-    NotificationCenter::Distributed().RemoveObserver(&left);
+    DistributedCenter::Shared().RemoveObserver(&left);
 }
 
 TEST_F(Notifications, OfBothRegistersTheProcesssIsAskedFirstByTheArrayForms) {

@@ -183,6 +183,13 @@ TEST_F(SharedFonts, ComeAndGoWithTheFilesInTheUsersFolder) {
     }
 }
 
+TEST_F(SharedFonts, AreHeldByAServerThatFindsItsDatabaseSpoiltAndKeepsIt) {
+    const std::string path = server.Home().Write("state/vellum/fonts.db", "this was a database once");
+    ASSERT_TRUE(server.Start());
+    EXPECT_TRUE(std::filesystem::exists(path + ".broken"));
+    EXPECT_TRUE(VLRegisterFont(AddFile("a.ttf", "A").Get(), 0, kVLScopeUser));
+}
+
 // ---- strangers ----
 
 MachHeader ReplyTo(int32_t id, PortName port) {

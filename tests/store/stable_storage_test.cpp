@@ -24,6 +24,7 @@ namespace vellum::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class StableStorage : public ::testing::Test {
@@ -77,13 +78,17 @@ TEST_F(StableStorage, IsRefusedWhereItsFolderCannotBeMade) {
                                    "> (20 -- Not a directory)");
 }
 
-TEST_F(StableStorage, IsRefusedWhereOthersMayEnterItsFolder) {
+TEST_F(StableStorage, IsRefusedWhereItsFolderIsNotTheUsersAloneOrCannotBeWrittenTo) {
     ASSERT_EQ(::mkdir(runtime.File("vellum").c_str(), 0700), 0);
     ASSERT_EQ(::mkdir(StablePath("").c_str(), 0700), 0);
-    ASSERT_EQ(::chmod(StablePath("").c_str(), 0500), 0); // read-only, too
-    EXPECT_EQ(Move(folder.Add("a.ttf", MakeFont({"A"}))), "(null)");
-    EXPECT_FALSE(moved);
-    ASSERT_EQ(log.Lines().size(), 1u);
+    const auto url = folder.Add("a.ttf", MakeFont({"A"}));
+    for (const mode_t mode : {0755U, 0770U, 0702U, 0500U}) {
+        ASSERT_EQ(::chmod(StablePath("").c_str(), mode), 0);
+        EXPECT_EQ(Move(url), "(null)") << std::oct << mode;
+        EXPECT_FALSE(moved);
+        EXPECT_THAT(log.Lines().back(), HasSubstr("(1 -- Operation not permitted)"));
+    }
+    EXPECT_EQ(log.Lines().size(), 4u);
 }
 
 // A font that was registered stably, and is registered again by the URL that it had then.

@@ -2,8 +2,11 @@
 # SPDX-License-Identifier: MIT
 # `vellum list` as a user meets it: what there is, by request, by any property; exit codes.
 import json
+import shutil
+import subprocess
 import unittest
 
+import vellum_tool
 from vellum_tool import BAD_FONT, DONE, PROBLEMS, USAGE, ToolCase
 
 import made_fonts
@@ -41,6 +44,20 @@ class Everything(ListCase):
         done = self.run_tool("list", "--in", str(self.folder))
         self.assertEqual((done.returncode, done.stdout), (PROBLEMS, b""))
         self.assertIn(b"no font fits", done.stderr)
+
+    def test_has_the_fonts_that_the_program_ships_in_its_bundle(self):
+        program = self.scratch / "App/bin/vellum"
+        program.parent.mkdir(parents=True)
+        shutil.copy(vellum_tool.TOOL, program)
+        self.font(folder=self.scratch / "App/Resources/Fonts", family="Shipped")
+        self.font(folder=self.scratch / "App/Resources/Other", family="Not Asked For")
+        (self.scratch / "App/Info.vlist").write_text(
+            '<vlist version="1.0"><dict><key>LDRegisterBundleFonts</key><true/></dict></vlist>')
+        machine = self.scratch / "machine"
+        machine.mkdir()
+        environment = self.environment(VELLUM_FONTS_ROOT=str(machine))
+        done = subprocess.run([program, "list"], capture_output=True, env=environment, timeout=vellum_tool.DEADLINE)
+        self.assertEqual((done.returncode, done.stdout), (DONE, b"Shipped\n"), done.stderr)
 
     def test_without_named_files_is_of_the_machines_fonts(self):
         root = self.scratch / "root"

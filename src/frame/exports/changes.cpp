@@ -249,7 +249,7 @@ void VLDisableFont(const ValURL *url, VLFontFlags flags, VLScope scope) noexcept
     });
 }
 
-// Directories are the font server's, and there is no client of it yet: the shared register refuses.
+// Directories are the font server's: no other register takes one.
 
 bool VLRegisterFontDirectory(const ValURL *directory, VLFontFlags flags, uint32_t options,
                              VLScope scope) noexcept {

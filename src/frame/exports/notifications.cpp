@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Exported: hearing of changes.
 #include "frame/exports/guard.hpp"
+#include "frame/handles/global_glyphary.hpp"
 #include "ipc/notify/framework_callback.hpp"
 #include "platform/loop/main_loop.hpp"
 #include "platform/notify/notification_center.hpp"
@@ -14,6 +15,8 @@ void VLSetFrameworkFontChangedCallback(uint32_t options, VLFontsChangedCallback 
 bool VLAddFontsChangedObserver(void *observer, VLFontsChangedCallback callback) noexcept {
     if (!callback) return false;
     return Guard([&] {
+        // The font server's client hears of other processes; without it nobody else's changes are heard.
+        if (!TGlobalGlyphary::IsServerIgnored()) const TGlobalGlyphary shared_register;
         NotificationCenter::Local().AddObserver(observer, callback, kVLFontsChangedNotification);
         return true;
     });

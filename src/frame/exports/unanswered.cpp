@@ -8,11 +8,3 @@ VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *) noexcept {
 }
 
 void VLSetAutoActivationSetting(const ValString *, VLAutoActivationSetting) noexcept {}
-
-VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback, void *, void (*)(void *)) noexcept {
-    return nullptr;
-}
-
-const ValArray *VLCopyFontProviderRemotePorts() noexcept {
-    return nullptr;
-}

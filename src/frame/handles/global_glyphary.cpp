@@ -84,6 +84,7 @@ const TGlypharyImp &TGlobalGlyphary::Current() const {
 
 TGlobalGlyphary::TGlobalGlyphary() {
     Current();
+    if (sIsServers.load(std::memory_order_relaxed)) ObserveAfterFork();
 }
 
 Ref<const ValURL> TGlobalGlyphary::CopyFontForName(const ValString *name, VLScope scope) const {

@@ -69,6 +69,9 @@ public:
                                uint32_t options, VLScope scope, bool reserved) const override;
     bool UnregisterFontDirectory(const ValURL *directory, VLScope scope) const override;
 
+    Ref<VLMessagePort> CreateFontProviderPort(const FontProviderBlock &block) const override;
+    Ref<const ValArray> CopyRemoteFontProviderPorts() const override;
+
     bool IsFontRegistered(const ValURL *url) const override;
     bool IsFontEnabled(const ValURL *url) const override;
     VLScope GetFontScope(const ValURL *url) const override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // TGlobalGlypharyImp: everything that asks the server.
 #include "ipc/client/conversation.hpp"
+#include "ipc/client/font_provider.hpp"
 #include "values/val_array.hpp"
 #include "values/val_number.hpp"
 
@@ -165,6 +166,25 @@ Ref<const ValArray> TGlobalGlypharyImp::CopyFontsForRequest(const ValDictionary 
         return code;
     });
     return ValArrayGetCount(fonts.Get()) > 0 ? fonts : nullptr;
+}
+
+// ---- providers ----
+
+Ref<VLMessagePort> TGlobalGlypharyImp::CreateFontProviderPort(const FontProviderBlock &block) const {
+    return TLocalFontProvider(block).CreatePort();
+}
+
+// The ports of those that answer.
+Ref<const ValArray> TGlobalGlypharyImp::CopyRemoteFontProviderPorts() const {
+    const auto providers =
+        Ask<ValArray>("CopyRemoteFontProviderPorts", [&](PortName port, ReplyMemory &reply) {
+            return VLSendGetFontProviders(port, reply);
+        });
+    TValMutableArray ports;
+    for (const void *provider : Elements(providers.Get()))
+        if (const auto port = TRemoteFontProvider(Cast<ValDictionary>(provider)).CreatePort())
+            ports.Append(port.Get());
+    return ports.Publish();
 }
 
 // ---- questions about one font, answered from copies of its properties ----

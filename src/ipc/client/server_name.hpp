@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the font server is called in this session.
+// What the font server, or another service of it, is called in this session.
 #pragma once
 
 #include "ipc/messages/message_rows.hpp"
@@ -11,9 +11,9 @@ namespace vellum {
 
 class ServerName {
 public:
-    ServerName() noexcept {
+    explicit ServerName(const char *service = kFontServerName) noexcept {
         try {
-            TSessionManager().ResolveServiceName(name_.data(), name_.size(), kFontServerName);
+            TSessionManager().ResolveServiceName(name_.data(), name_.size(), service);
         } catch (...) { // memory is exhausted
             name_[0] = '\0';
         }

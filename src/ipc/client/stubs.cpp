@@ -17,13 +17,41 @@ bool KeepsReplyPort(MachCode code) noexcept {
            code == kMachSendInvalidHeader;
 }
 
+// How long a change is waited for, which may be one of many thousand fonts, or be behind another.
+constexpr long kChangePatience = 60; // seconds
+
+bool IsChange(MessageID id) noexcept {
+    switch (id) {
+    case kRegisterFonts:
+    case kUnregisterFonts:
+    case kRegisterFontDirectory:
+    case kUnregisterFontDirectory:
+    case kEnableFont:
+    case kDisableFont:
+    case kEnableFonts:
+    case kDisableFonts:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// A reply that is none may be another question's: the next question has a connection of its own.
+MachCode Read(const MessageRow &row, PortName reply_port, const IncomingMessage &message,
+              ReceivedReply &reply) {
+    const MachCode code = ReadReply(row, message, reply);
+    if (code == kMachTypeError || code == kMachReplyMismatch) mig_dealloc_reply_port(reply_port);
+    return code;
+}
+
 MachCode Send(MessageID id, PortName server, Arguments arguments, IncomingMessage &message,
               ReceivedReply &reply) {
     const MessageRow &row = *FindMessageRow(id);
     const PortName reply_port = mig_get_reply_port();
     const OutgoingMessage request = WriteRequest(row, server, reply_port, arguments);
-    const MachCode code = request.IsWhole() ? mach_msg(request, message) : kMachSendInvalidData;
-    if (code == kMachSuccess) return ReadReply(row, message, reply);
+    const long patience = IsChange(id) ? kChangePatience : kReplyPatience;
+    const MachCode code = request.IsWhole() ? mach_msg(request, message, patience) : kMachSendInvalidData;
+    if (code == kMachSuccess) return Read(row, reply_port, message, reply);
     if (!KeepsReplyPort(code)) mig_dealloc_reply_port(reply_port);
     return code;
 }

@@ -141,7 +141,7 @@ Ref<const void> TValResurrectContext::Resurrect() noexcept {
 Ref<const void> TValResurrectContext::ResurrectValString() noexcept {
     const uint8_t *bytes;
     size_t length;
-    if (!ReadPayload(bytes, length)) return nullptr;
+    if (!ReadPayload(bytes, length) || skips_) return nullptr;
     return OrRefuse(recent_.GetUniqueString({reinterpret_cast<const char *>(bytes), length}).Release());
 }
 
@@ -175,14 +175,14 @@ Ref<const void> TValResurrectContext::ResurrectValBoolean() noexcept {
 Ref<const void> TValResurrectContext::ResurrectValData() noexcept {
     const uint8_t *bytes;
     size_t length;
-    if (!ReadPayload(bytes, length) || length == 0) return nullptr;
+    if (!ReadPayload(bytes, length) || length == 0 || skips_) return nullptr;
     return OrRefuse(ValDataCreate(bytes, length));
 }
 
 Ref<const void> TValResurrectContext::ResurrectValCharacterSet() noexcept {
     const uint8_t *bytes;
     size_t length;
-    if (!ReadPayload(bytes, length) || length == 0) return nullptr;
+    if (!ReadPayload(bytes, length) || length == 0 || skips_) return nullptr;
     const std::string_view bitmap(reinterpret_cast<const char *>(bytes), length);
     if (last_set_ && bitmap == last_bitmap_) return last_set_;
     // A set takes some hundred bytes, however few its bitmap has: a short one is none, so that a message
@@ -200,7 +200,7 @@ Ref<const void> TValResurrectContext::ResurrectValCharacterSet() noexcept {
 Ref<const void> TValResurrectContext::ResurrectValURL() noexcept {
     const uint8_t *bytes;
     size_t length;
-    if (!ReadPayload(bytes, length)) return nullptr;
+    if (!ReadPayload(bytes, length) || skips_) return nullptr;
     auto url = Adopt(ValURLCreateWithBytes(bytes, length, nullptr));
     if (!url && IsAbsoluteURL({reinterpret_cast<const char *>(bytes), length})) Refuse(kOutOfMemory);
     if (!url) Complain("*** %zu bytes are no absolute URL", length);
@@ -215,7 +215,10 @@ Ref<const void> TValResurrectContext::ResurrectValUUID() noexcept {
 }
 
 bool TValResurrectContext::ReadItems(size_t count) {
-    for (size_t i = 0; i < count && !refused_; ++i) results_.Push(Resurrect());
+    for (size_t i = 0; i < count && !refused_; ++i) {
+        Ref<const void> item = Resurrect();
+        if (!skips_) results_.Push(std::move(item));
+    }
     return !refused_;
 }
 
@@ -224,6 +227,7 @@ bool TValResurrectContext::ReadPairs(size_t count) {
         Ref<const void> key = Resurrect();
         Ref<const void> value = Resurrect();
         if (refused_) return false;
+        if (skips_) continue;
         if (!key || !value) {
             Complain("*** ResurrectValDictionary missing either a key or a value, truncating dictionary");
             return true;
@@ -232,6 +236,26 @@ bool TValResurrectContext::ReadPairs(size_t count) {
         results_.Push(std::move(value));
     }
     return true;
+}
+
+bool TValResurrectContext::ReadKeys(size_t count) {
+    for (size_t i = 0; i < count && !refused_; ++i) {
+        Ref<const void> key = Resurrect();
+        if (key) results_.Push(std::move(key));
+        skips_ = true;
+        Resurrect();
+        skips_ = false;
+    }
+    return !refused_;
+}
+
+Ref<const ValArray> TValResurrectContext::ResurrectKeys(size_t most) noexcept {
+    uint32_t tag = 0;
+    if (!cursor_ || !ReadWord(tag) || EncodingTag{tag} != EncodingTag::kDictionary) return nullptr;
+    if (BytesLeft() < kWordSize || LoadWord(cursor_) > most) return nullptr;
+    auto keys = ResurrectContainer(2 * kLeastItem, &TValResurrectContext::ReadKeys,
+                                   [](auto items) { return AdoptIntoArray(items); });
+    return Ref<const ValArray>::Adopt(static_cast<const ValArray *>(keys.Release()));
 }
 
 // Reads the count, then with `read` the items, of which each takes at least so many bytes, and gives
@@ -259,6 +283,7 @@ Ref<const void> TValResurrectContext::ResurrectContainer(size_t least_bytes,
         results_.Drop(first);
         return nullptr;
     }
+    if (skips_) return nullptr;
     patience_ += kPatienceForEach * (results_.Count() - first);
     const void *container = build(results_.From(first));
     results_.Forget(first);

@@ -39,6 +39,10 @@ public:
     // then past the tag alone), and where the operation of its kind gives null.
     virtual Ref<const void> Resurrect() noexcept;
 
+    // The keys of the next item, if it is a dictionary, in their order; what they stand for is passed over,
+    // and little is made of it. Null for anything else, and for a dictionary of more than `most` pairs.
+    Ref<const ValArray> ResurrectKeys(size_t most) noexcept;
+
     // The rest read an item of their kind of which the tag has been read.
 
     // The empty string for what is no valid UTF-8.
@@ -92,6 +96,7 @@ private:
     bool ReadPayload(const uint8_t *&bytes, size_t &length) noexcept;
     bool ReadItems(size_t count);
     bool ReadPairs(size_t count);
+    bool ReadKeys(size_t count);
     template <class Build>
     Ref<const void> ResurrectContainer(size_t least_bytes, bool (TValResurrectContext::*read)(size_t),
                                        Build build) noexcept;
@@ -104,6 +109,7 @@ private:
     const uint8_t *const end_;
     unsigned log_lines_ = 0;
     bool refused_ = false;
+    bool skips_ = false; // strings and containers are read, and not made
     size_t nesting_ = 0;
     size_t patience_ = kPatience;
     TResultStack results_;

@@ -21,11 +21,16 @@ inline std::optional<OutgoingMemory> Flattened(const void *value) {
     return OutgoingMemory{std::make_shared<const MemoryBlock>(context.OrphanBuffer()), length};
 }
 
-// The value that has travelled, if it is a T; null for anything else, and for no bytes.
+// The value that has travelled; null for no bytes.
+inline Ref<const void> Resurrected(std::span<const uint8_t> bytes) noexcept {
+    TValResurrectContext context(bytes.data(), bytes.size());
+    return bytes.empty() ? nullptr : context.Resurrect();
+}
+
+// The same if it is a T; null for anything else.
 template <class T>
 Ref<const T> Resurrected(std::span<const uint8_t> bytes) noexcept {
-    TValResurrectContext context(bytes.data(), bytes.size());
-    return bytes.empty() ? nullptr : Retain(Cast<T>(context.Resurrect().Get()));
+    return Retain(Cast<T>(Resurrected(bytes).Get()));
 }
 
 } // namespace vellum

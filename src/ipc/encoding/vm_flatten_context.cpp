@@ -11,8 +11,8 @@ namespace vellum {
 namespace {
 
 // What is written before it goes to the pages: little enough for the cache next to the processor. What is
-// no longer than that never gets pages of its own.
-constexpr size_t kPieceSize = size_t{1} << 16;
+// no longer needs no pages.
+constexpr size_t kPieceSize = MemoryBlock::kLongestCopied;
 
 } // namespace
 
@@ -28,7 +28,7 @@ TValVMFlattenContext::TValVMFlattenContext(const void *value) noexcept {
 bool TValVMFlattenContext::Finish() noexcept {
     if (length_ || Output()->length > kPieceSize) return Flush() && block_.Seal();
     length_ = Output()->length;
-    block_ = MemoryBlock::CreateSmall(Output()->bytes, length_);
+    block_ = MemoryBlock::CreateCopy(Output()->bytes, length_);
     return block_.Bytes();
 }
 

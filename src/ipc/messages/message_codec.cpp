@@ -185,7 +185,8 @@ bool ReadRequest(const MessageRow &row, const IncomingMessage &message,
 OutgoingMessage WriteReply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) {
     OutgoingMessage message;
     const EReply kind = row && !reply.code ? row->reply : EReply::kNothing;
-    MachHeader header = {kMachReplyBits, 0, request.local_port, kPortNull, 0, request.id + kReplyIDOffset};
+    const auto id = static_cast<int32_t>(static_cast<uint32_t>(request.id) + kReplyIDOffset); // may be any
+    MachHeader header = {kMachReplyBits, 0, request.local_port, kPortNull, 0, id};
     if (BringsMemory(kind)) header.bits |= kMachComplexBit;
     message.Append(header);
     if (BringsMemory(kind)) {

@@ -42,6 +42,11 @@ enum MessageID : int32_t {
     kDisableFonts = 13028,
     kCopyFamilyNamesForLanguage = 13029,
     kExperimentalDataFunnel = 13030,
+
+    // Of the hub of notifications; see notification_rows.hpp.
+    kObserveNotifications = 14000,
+    kPostNotification = 14001,
+    kTellNotification = 14002,
 };
 
 // A reply's id is the request's and this.

@@ -3,6 +3,7 @@
 
 #include "frame/registry/generation_seed.hpp"
 #include "frame/registry/scope.hpp"
+#include "ipc/notify/distributed_center.hpp"
 #include "ipc/notify/framework_callback.hpp"
 #include "ipc/notify/pending_notifications.hpp"
 #include "platform/loop/main_loop.hpp"
@@ -53,9 +54,16 @@ struct NotifyFountLast {
 
 void Announce(VLScope scope, const ValDictionary *user_info) {
     if (AsksShared(scope) && !sKeepsSharedChanges.load(std::memory_order_acquire))
-        NotificationCenter::Distributed().Post(kVLFontsChangedDistributedNotification, user_info);
+        DistributedCenter::Shared().Post(kVLFontsChangedDistributedNotification, user_info);
     else
         DeliverLater(user_info);
+}
+
+// What observers are told when nobody knows what has changed.
+Ref<const ValDictionary> AskAgain() {
+    TValMutableDict user_info;
+    user_info.Set(kAvailableFontURLsAddedKey, TValMutableArray().Publish().Get());
+    return user_info.Publish();
 }
 
 // The texts are the URLs' own: what was relative stays so.
@@ -85,15 +93,19 @@ void KeepSharedChangesInProcess() noexcept {
 }
 
 void ObserveSharedChanges() {
-    NotificationCenter::Distributed().AddObserver(&sKeepsSharedChanges, FontsChangedCallback,
-                                                  kVLFontsChangedDistributedNotification);
+    DistributedCenter::Shared().AddObserver(&sKeepsSharedChanges, FontsChangedCallback,
+                                            kVLFontsChangedDistributedNotification);
+}
+
+void ObserveAfterFork() noexcept {
+    DistributedCenter::Shared().ListenAfterFork();
 }
 
 void FontsChangedCallback(void *, void *, const ValString *, const void *,
                           const ValDictionary *user_info) noexcept {
     TGenerationSeed::UpdateGeneration();
     try {
-        DeliverLater(user_info);
+        DeliverLater(user_info ? user_info : AskAgain().Get());
     } catch (...) { // memory is exhausted: who asks finds the new fonts all the same
     }
 }

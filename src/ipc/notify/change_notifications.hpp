@@ -24,7 +24,11 @@ void KeepSharedChangesInProcess() noexcept;
 // std::bad_alloc.
 void ObserveSharedChanges();
 
-// What hears of a change in another process: caches are stale from now on, and the main loop is told.
+// The same for a process that was forked off one that did, when it first needs it.
+void ObserveAfterFork() noexcept;
+
+// What hears of a change in any process: caches are stale from now on, and the main loop is told. Without a
+// user info, something may have been missed.
 void FontsChangedCallback(void *center, void *observer, const ValString *name, const void *object,
                           const ValDictionary *user_info) noexcept;
 

@@ -37,14 +37,15 @@ int MakePrivateFolder(const std::string &path) noexcept {
     return CheckPrivateFolder(path);
 }
 
-std::string UserTemporaryFolder(PrivateFolderTest test) {
+std::string UserTemporaryFolder(PrivateFolderTest test, int *error) {
     const char *runtime = GetEnvironment("XDG_RUNTIME_DIR");
-    if (!runtime || *runtime != '/') return {};
-    std::string folder(runtime);
+    std::string folder(runtime && *runtime == '/' ? runtime : "");
     while (folder.ends_with('/')) folder.pop_back(); // behind a link's name, a slash would have it followed
-    if (!IsOfUserAlone(folder)) return {};
+    const bool is_ours = !folder.empty() && IsOfUserAlone(folder);
     folder += "/vellum";
-    return test(folder) == 0 ? folder : std::string();
+    const int problem = is_ours ? test(folder) : ENOTDIR;
+    if (error) *error = problem;
+    return problem == 0 ? folder : std::string();
 }
 
 } // namespace vellum

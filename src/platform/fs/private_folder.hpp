@@ -16,8 +16,9 @@ int CheckPrivateFolder(const std::string &path) noexcept;
 
 // Where this user's programs keep what lasts for the session: the folder vellum in $XDG_RUNTIME_DIR, if
 // that is this user's and nobody else may write there. `test` is one of the two functions above: the folder
-// is made if it is not there, or not. Empty without one. May throw std::bad_alloc.
+// is made if it is not there, or not. Empty without one, and then *error, unless that is null, is what the
+// test said, or ENOTDIR for no such $XDG_RUNTIME_DIR. May throw std::bad_alloc.
 using PrivateFolderTest = int (*)(const std::string &path) noexcept;
-std::string UserTemporaryFolder(PrivateFolderTest test = MakePrivateFolder);
+std::string UserTemporaryFolder(PrivateFolderTest test = MakePrivateFolder, int *error = nullptr);
 
 } // namespace vellum

@@ -6,14 +6,8 @@
 
 namespace vellum {
 
-// Both are made by their first use and never torn down.
-
+// Made by its first use and never torn down.
 NotificationCenter &NotificationCenter::Local() {
-    static NotificationCenter *const center = new NotificationCenter;
-    return *center;
-}
-
-NotificationCenter &NotificationCenter::Distributed() {
     static NotificationCenter *const center = new NotificationCenter;
     return *center;
 }
@@ -41,8 +35,22 @@ void NotificationCenter::Post(const ValString *name, const ValDictionary *user_i
         std::ranges::copy_if(entries_, std::back_inserter(observers),
                              [name](const Entry &entry) { return ValEqual(entry.name.Get(), name); });
     }
+    Call(observers, user_info);
+}
+
+void NotificationCenter::PostToAll(const ValDictionary *user_info) {
+    std::vector<Entry> observers;
+    {
+        const std::lock_guard lock(mutex_);
+        observers = entries_;
+    }
+    Call(observers, user_info);
+}
+
+void NotificationCenter::Call(const std::vector<Entry> &observers, const ValDictionary *user_info) {
     for (const Entry &entry : observers)
-        if (IsThere(entry.number)) entry.callback(this, entry.observer, name, nullptr, user_info);
+        if (IsThere(entry.number))
+            entry.callback(this, entry.observer, entry.name.Get(), nullptr, user_info);
 }
 
 } // namespace vellum

@@ -21,10 +21,8 @@ public:
     NotificationCenter(const NotificationCenter &) = delete;
     NotificationCenter &operator=(const NotificationCenter &) = delete;
 
-    // The centre of this process, and the one of all processes of the user. Until those are joined by a
-    // hub, what is posted to the second comes back to this process alone.
+    // The centre of this process.
     static NotificationCenter &Local();
-    static NotificationCenter &Distributed();
 
     // Has `callback` called with each notification of that name, on the thread that posts it. `observer`
     // is what names it, and is not looked into. Throws std::bad_alloc.
@@ -39,6 +37,9 @@ public:
     // std::bad_alloc before anybody is called.
     void Post(const ValString *name, const ValDictionary *user_info);
 
+    // The same for everybody, each by the name that it observes.
+    void PostToAll(const ValDictionary *user_info);
+
 private:
     struct Entry {
         uint64_t number; // in the order of adding
@@ -48,6 +49,7 @@ private:
     };
 
     bool IsThere(uint64_t number) const noexcept;
+    void Call(const std::vector<Entry> &observers, const ValDictionary *user_info);
 
     mutable std::mutex mutex_; // guards what follows
     std::vector<Entry> entries_;

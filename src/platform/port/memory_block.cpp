@@ -67,11 +67,15 @@ MemoryBlock MemoryBlock::Create() noexcept {
     return block;
 }
 
-MemoryBlock MemoryBlock::CreateSmall(const void *bytes, size_t length) noexcept {
+MemoryBlock MemoryBlock::CreateCopy(const void *bytes, size_t length) noexcept {
+    if (length > kLongestCopied) {
+        MemoryBlock block = Create();
+        if (block.Append(bytes, length)) block.Seal();
+        return block;
+    }
     MemoryBlock block;
-    if (length == 0) return block;
     const size_t size = RoundToPages(length);
-    block.bytes_ = static_cast<uint8_t *>(std::malloc(size));
+    if (size) block.bytes_ = static_cast<uint8_t *>(std::malloc(size));
     if (!block.bytes_) return block;
     std::memcpy(block.bytes_, bytes, length);
     std::memset(block.bytes_ + length, 0, size - length);

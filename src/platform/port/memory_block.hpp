@@ -24,9 +24,12 @@ public:
     // An open block without bytes; an empty one when descriptors are exhausted.
     static MemoryBlock Create() noexcept;
 
-    // A sealed block of this process's memory that holds the bytes: what is small travels faster by being
-    // copied. It has no descriptor. Empty for no bytes, and when memory is exhausted.
-    static MemoryBlock CreateSmall(const void *bytes, size_t length) noexcept;
+    // What is not longer than this travels faster by being copied than in pages of its own.
+    static constexpr size_t kLongestCopied = size_t{64} << 10;
+
+    // A sealed block that holds the bytes. Up to kLongestCopied they lie in this process's memory, and the
+    // block has no descriptor. Empty for no bytes, and when memory or descriptors are exhausted.
+    static MemoryBlock CreateCopy(const void *bytes, size_t length) noexcept;
 
     // Adds bytes to an open block. Handing them to the system in pieces that fit the processor's cache
     // is several times as fast as writing to mapped pages, each of which would fault. False, with the

@@ -73,6 +73,13 @@ public:
     std::span<const uint8_t> Bytes() const noexcept { return {bytes_.data(), size_}; }
     std::span<const OutgoingMemory> Memory() const noexcept { return {memory_.data(), memory_count_}; }
 
+    // The bytes of all its memory.
+    size_t MemorySize() const noexcept {
+        size_t size = 0;
+        for (const OutgoingMemory &memory : Memory()) size += memory.length;
+        return size;
+    }
+
 private:
     std::array<uint8_t, kMachLongestMessage> bytes_; // the first size_ of them
     size_t size_ = 0;

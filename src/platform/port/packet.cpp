@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/port/packet.hpp"
 
+#include "platform/port/foreign_descriptors.hpp"
+
 #include <sys/socket.h>
 #include <sys/uio.h>
 
@@ -16,6 +18,9 @@ namespace {
 
 // More than a message may bring, so that one too many is seen, and closed.
 constexpr size_t kMostDescriptorsReceived = kMachMostDescriptors + 1;
+
+using Descriptors = std::array<TDescriptor, kMostDescriptorsReceived>;
+using ControlBytes = std::array<char, CMSG_SPACE(sizeof(int) * kMostDescriptorsReceived)>;
 
 PacketResult ResultOfErrno() noexcept {
     switch (errno) {
@@ -93,10 +98,11 @@ private:
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * kMachMostDescriptors)> control_{};
 };
 
-// The descriptors that came; they are the receiver's from here on.
-size_t TakeDescriptors(msghdr &header,
-                       std::array<TDescriptor, kMostDescriptorsReceived> &descriptors) noexcept {
-    size_t count = 0;
+// The memory files that came; they are the receiver's from here on. False when anything else came, which is
+// closed.
+bool TakeDescriptors(msghdr &header, Descriptors &descriptors, size_t &count) noexcept {
+    bool is_all_memory = true;
+    count = 0;
     for (cmsghdr *control = CMSG_FIRSTHDR(&header); control; control = CMSG_NXTHDR(&header, control)) {
         if (control->cmsg_level != SOL_SOCKET || control->cmsg_type != SCM_RIGHTS) continue;
         const size_t bytes = control->cmsg_len - CMSG_LEN(0);
@@ -104,10 +110,15 @@ size_t TakeDescriptors(msghdr &header,
             int descriptor;
             std::memcpy(&descriptor, CMSG_DATA(control) + at, sizeof descriptor);
             TDescriptor owned(descriptor);
-            if (count < descriptors.size()) descriptors[count++] = std::move(owned);
+            if (!IsMemoryFile(descriptor)) {
+                is_all_memory = false;
+                CloseApart(std::move(owned));
+            } else if (count < descriptors.size()) {
+                descriptors[count++] = std::move(owned);
+            }
         }
     }
-    return count;
+    return is_all_memory;
 }
 
 // The descriptors of a message that says that it has some; nothing when it cannot have them.
@@ -142,12 +153,28 @@ PacketResult SendRefusal(int socket, uint64_t instance) noexcept {
     return sent < 0 ? ResultOfErrno() : PacketResult::kDone;
 }
 
+// As many as a socket's buffer may hold. A packet of nothing looks like the end, and may have descriptors
+// all the same: both are read on.
+void DiscardPackets(int socket) noexcept {
+    constexpr int kMostPackets = 300;
+    for (int i = 0; i < kMostPackets; ++i) {
+        alignas(cmsghdr) ControlBytes control;
+        msghdr header = {};
+        header.msg_control = control.data();
+        header.msg_controllen = control.size();
+        if (::recvmsg(socket, &header, MSG_CMSG_CLOEXEC | MSG_DONTWAIT | MSG_TRUNC) < 0) return;
+        Descriptors descriptors;
+        size_t count = 0;
+        TakeDescriptors(header, descriptors, count);
+    }
+}
+
 PacketResult PacketReceiver::Receive(int socket, bool wait, IncomingMessage &message,
                                      uint64_t &instance) noexcept {
     if (!buffer_) buffer_.reset(new (std::nothrow) uint8_t[kLongestPacket]);
     if (!buffer_) return PacketResult::kNoRoom;
     iovec piece = {buffer_.get(), kLongestPacket};
-    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * kMostDescriptorsReceived)> control;
+    alignas(cmsghdr) ControlBytes control;
     msghdr header = {};
     header.msg_iov = &piece;
     header.msg_iovlen = 1;
@@ -157,18 +184,19 @@ PacketResult PacketReceiver::Receive(int socket, bool wait, IncomingMessage &mes
     do received = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC | (wait ? 0 : MSG_DONTWAIT));
     while (received < 0 && errno == EINTR);
     if (received < 0) return ResultOfErrno();
-    std::array<TDescriptor, kMostDescriptorsReceived> descriptors;
-    const size_t count = TakeDescriptors(header, descriptors);
-    if (received == 0) return count ? PacketResult::kMalformed : PacketResult::kClosed;
-    if (header.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) return PacketResult::kMalformed;
-    return ParsePacket({buffer_.get(), static_cast<size_t>(received)}, {descriptors.data(), count}, message,
-                       instance)
+    Descriptors descriptors;
+    size_t count = 0;
+    const bool is_all_memory = TakeDescriptors(header, descriptors, count);
+    if (received == 0 && is_all_memory && count == 0) return PacketResult::kClosed;
+    if (!is_all_memory || header.msg_flags & (MSG_TRUNC | MSG_CTRUNC)) return PacketResult::kMalformed;
+    return ParsePacket({buffer_.get(), static_cast<size_t>(received)}, {descriptors.data(), count},
+                       most_memory_, message, instance)
                ? PacketResult::kDone
                : PacketResult::kMalformed;
 }
 
 bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> descriptors,
-                 IncomingMessage &message, uint64_t &instance) noexcept {
+                 uint32_t most_memory, IncomingMessage &message, uint64_t &instance) noexcept {
     PacketHeader header;
     if (packet.size() < sizeof header) return false;
     std::memcpy(&header, packet.data(), sizeof header);
@@ -192,7 +220,7 @@ bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> d
     if (header.enclosed >> read.memory_count) return false;
     size_t files = 0;
     for (size_t i = 0; i < read.memory_count; ++i) {
-        if (stated[i].type != MachDescriptor().type || stated[i].size > kMostReceivedMemory) return false;
+        if (stated[i].type != MachDescriptor().type || stated[i].size > most_memory) return false;
         if (header.enclosed >> i & 1) {
             if (stated[i].size > packet.size()) return false;
             read.memory[i] = packet.first(stated[i].size);

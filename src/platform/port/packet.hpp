@@ -29,7 +29,7 @@ constexpr uint32_t kPacketMagic = 0x314d4c56; // "VLM1"
 // The longest packet; what is longer travels in files. The default bound of a socket's buffer is 212,992.
 constexpr size_t kLongestPacket = size_t{160} << 10;
 
-// The most memory that one descriptor may bring.
+// The most memory that one descriptor may bring, to those who set themselves no other bound.
 constexpr uint32_t kMostReceivedMemory = uint32_t{1} << 28;
 
 enum class PacketResult {
@@ -46,21 +46,29 @@ PacketResult SendPacket(int socket, uint64_t instance, const OutgoingMessage &me
 // Sends a packet without a message: a service refuses what was sent to another life of it.
 PacketResult SendRefusal(int socket, uint64_t instance) noexcept;
 
+// Throws away what has come and has not been received.
+void DiscardPackets(int socket) noexcept;
+
 // Receives packets into one buffer, which is made at the first.
 class PacketReceiver {
 public:
+    // `most_memory` is what one descriptor may bring.
+    explicit PacketReceiver(uint32_t most_memory = kMostReceivedMemory) noexcept
+        : most_memory_(most_memory) {}
+
     // `message` and `instance` are set when a message has come; it is valid until the next call. A packet
     // that is kMalformed says nothing about the next ones, but nobody honest sends one. A refusal gives a
     // message without bytes.
     PacketResult Receive(int socket, bool wait, IncomingMessage &message, uint64_t &instance) noexcept;
 
 private:
+    const uint32_t most_memory_;
     std::unique_ptr<uint8_t[]> buffer_;
 };
 
 // Reads a packet, with the descriptors that came with it. False when it is malformed; that is decided
 // before any memory is mapped but the last thing checked.
 bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> descriptors,
-                 IncomingMessage &message, uint64_t &instance) noexcept;
+                 uint32_t most_memory, IncomingMessage &message, uint64_t &instance) noexcept;
 
 } // namespace vellum

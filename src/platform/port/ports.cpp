@@ -6,13 +6,16 @@
 #include "platform/process/per_thread.hpp"
 
 #include <pthread.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vellum {
@@ -24,7 +27,8 @@ struct Service {
     explicit Service(const char *service_name) : name(service_name) {}
 
     const std::string name;
-    std::atomic<uint64_t> instance{0}; // 0 until it has answered
+    std::atomic<uint64_t> instance{0};    // 0 until it has answered
+    std::atomic<int64_t> silent_until{0}; // by the steady clock; 0 while it answers in time
     std::atomic<bool> is_dead{false};
 };
 
@@ -88,6 +92,7 @@ struct Connection {
     PortName port;
     std::shared_ptr<Service> service;
     OwnSocket socket;
+    long patience = 0; // in seconds, as the socket has it; 0 for none
 };
 
 // What a thread has.
@@ -138,7 +143,7 @@ Connection *ConnectionTo(ThreadPorts &mine, PortName port) {
     if (!service || service->is_dead.load(std::memory_order_relaxed)) return nullptr;
     OwnSocket socket(ConnectToService(service->name.c_str()));
     if (!socket.IsOurs()) return nullptr;
-    mine.connections.push_back({port, std::move(service), std::move(socket)});
+    mine.connections.push_back({port, std::move(service), std::move(socket), 0});
     return &mine.connections.back();
 }
 
@@ -168,6 +173,21 @@ void Notify(ThreadPorts &mine, IncomingMessage &reply) noexcept {
     reply.bytes = {reinterpret_cast<const uint8_t *>(&mine.notification), sizeof mine.notification};
 }
 
+// Who has kept somebody waiting in vain is not waited for again at once.
+constexpr std::chrono::seconds kSilence(5);
+
+using Clock = std::chrono::steady_clock;
+
+bool IsSilent(const Service &service) noexcept {
+    const Clock::duration until(service.silent_until.load(std::memory_order_relaxed));
+    return until.count() != 0 && Clock::now().time_since_epoch() < until;
+}
+
+void NoteSilence(Service &service) noexcept {
+    const auto until = Clock::now() + kSilence;
+    service.silent_until.store(until.time_since_epoch().count(), std::memory_order_relaxed);
+}
+
 MachCode Receive(ThreadPorts &mine, Connection &connection, IncomingMessage &reply) noexcept {
     uint64_t instance = 0;
     switch (mine.receiver.Receive(connection.socket.Get(), true, reply, instance)) {
@@ -177,8 +197,12 @@ MachCode Receive(ThreadPorts &mine, Connection &connection, IncomingMessage &rep
         Die(mine, connection);
         Notify(mine, reply);
         return kMachSuccess;
-    default:
+    case PacketResult::kWouldBlock:
+        NoteSilence(*connection.service);
         mine.Drop(connection.port); // what is still to come would answer the wrong question
+        return kMachReceiveTimedOut;
+    default:
+        mine.Drop(connection.port);
         return kMachReceiveBodyError;
     }
     uint64_t known = 0;
@@ -189,13 +213,17 @@ MachCode Receive(ThreadPorts &mine, Connection &connection, IncomingMessage &rep
 }
 
 MachCode SendAndReceive(ThreadPorts &mine, PortName port, const OutgoingMessage &request,
-                        IncomingMessage &reply) {
+                        IncomingMessage &reply, long patience) {
     Connection *connection = ConnectionTo(mine, port);
     if (!connection) return kMachSendInvalidDestination;
+    if (IsSilent(*connection->service)) return kMachReceiveTimedOut;
     const uint64_t instance = connection->service->instance.load(std::memory_order_relaxed);
     const MachCode sent = CodeOfSending(SendPacket(connection->socket.Get(), instance, request, true));
     if (sent == kMachSendInvalidDestination) Die(mine, *connection);
-    return sent ? sent : Receive(mine, *connection, reply);
+    if (sent) return sent;
+    if (std::exchange(connection->patience, patience) != patience)
+        LimitReceiving(connection->socket.Get(), patience);
+    return Receive(mine, *connection, reply);
 }
 
 } // namespace
@@ -210,7 +238,7 @@ MachCode bootstrap_look_up(const char *service, PortName &port) noexcept {
         const PortName name = NextName();
         mine->connections.reserve(mine->connections.size() + 1);
         Services().emplace(name, found);
-        mine->connections.push_back({name, std::move(found), std::move(socket)});
+        mine->connections.push_back({name, std::move(found), std::move(socket), 0});
         port = name;
         return kMachSuccess;
     } catch (...) { // memory is exhausted
@@ -244,12 +272,12 @@ void mig_dealloc_reply_port(PortName reply_port) noexcept {
     mine->connections.clear();
 }
 
-MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply) noexcept {
+MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply, long patience) noexcept {
     if (!request.IsWhole()) return kMachSendInvalidHeader;
     ThreadPorts *mine = Mine();
     if (!mine) return kMachSendNoBuffer;
     try {
-        return SendAndReceive(*mine, request.Header().remote_port, request, reply);
+        return SendAndReceive(*mine, request.Header().remote_port, request, reply, patience);
     } catch (...) { // memory is exhausted
         return kMachSendNoBuffer;
     }

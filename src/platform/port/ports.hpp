@@ -11,6 +11,9 @@
 
 namespace vellum {
 
+// How long a reply is waited for that an honest service gives at once.
+constexpr long kReplyPatience = 4; // seconds
+
 // Finds the service and gives it a name, which is given back by mach_port_deallocate.
 // kBootstrapUnknownService, with `port` as it was, when nobody answers there.
 MachCode bootstrap_look_up(const char *service, PortName &port) noexcept;
@@ -27,7 +30,8 @@ void mig_dealloc_reply_port(PortName reply_port) noexcept;
 // Sends a message to the port in its header, and waits for the reply. A service that ends meanwhile gives a
 // reply of its own, a header with the id kMachSendOnceNotification. The reply lies in memory of the
 // thread's until its next call.
-MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply) noexcept;
+MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply,
+                  long patience = kReplyPatience) noexcept;
 
 // How often this process has been forked off since it began to use ports: names that were given before the
 // number moved are dead.

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -65,8 +66,10 @@ std::string FolderOrNone(IfMissing missing) noexcept {
 
 std::string ServicesFolder(IfMissing missing) {
     const PrivateFolderTest test = missing == IfMissing::kMake ? MakePrivateFolder : CheckPrivateFolder;
-    std::string folder = UserTemporaryFolder(test);
-    if (!folder.empty()) return folder;
+    int error = 0;
+    std::string folder = UserTemporaryFolder(test, &error);
+    // Where there would be a folder if a service had made one, nobody looks elsewhere.
+    if (error == 0 || error == ENOENT) return folder;
     folder = "/tmp/vellum-" + std::to_string(::geteuid());
     return test(folder) == 0 ? folder : std::string();
 }
@@ -77,10 +80,18 @@ TDescriptor ConnectToService(const char *name) noexcept {
     if (!address.IsValid()) return TDescriptor();
     TDescriptor socket = MakeSocket();
     if (!socket.IsOpen()) return socket;
+    // Bounds what connecting to somebody who takes nobody in may take, and sending as well.
+    const timeval patience = {kSendPatience, 0};
+    ::setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     int result;
     do result = ::connect(socket.Get(), address.Get(), Address::Size());
     while (result != 0 && errno == EINTR);
     return result == 0 ? std::move(socket) : TDescriptor();
+}
+
+void LimitReceiving(int socket, long seconds) noexcept {
+    const timeval limit = {seconds, 0};
+    ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
 }
 
 bool ServiceHasSocket(const char *name) noexcept {
@@ -100,6 +111,28 @@ TDescriptor ListenAsService(const char *name) noexcept {
     if (::bind(socket.Get(), address.Get(), Address::Size()) != 0 || ::listen(socket.Get(), SOMAXCONN) != 0)
         return TDescriptor();
     return socket;
+}
+
+void UnlinkService(const char *name) noexcept {
+    const Address address(FolderOrNone(IfMissing::kLeave), name);
+    if (address.IsValid()) ::unlink(address.Path());
+}
+
+TDescriptor AcceptFromOwnUser(int listener, pid_t *process) noexcept {
+    TDescriptor socket(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (!socket.IsOpen()) return socket;
+    const pid_t peer = PeerProcess(socket.Get());
+    errno = EPERM;
+    if (peer == 0) return TDescriptor();
+    if (process) *process = peer;
+    return socket;
+}
+
+pid_t PeerProcess(int socket) noexcept {
+    ucred credentials = {};
+    socklen_t size = sizeof credentials;
+    if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0) return 0;
+    return credentials.uid == ::geteuid() ? credentials.pid : 0;
 }
 
 } // namespace vellum

@@ -4,6 +4,8 @@
 
 #include "platform/fs/file.hpp"
 
+#include <sys/types.h>
+
 #include <string>
 
 namespace vellum {
@@ -14,9 +16,15 @@ namespace vellum {
 enum class IfMissing { kLeave, kMake };
 std::string ServicesFolder(IfMissing missing);
 
+// How long connecting to a service may take, and each sending to it, until there is room.
+constexpr long kSendPatience = 3; // seconds
+
 // A socket that is connected to a service; errno says why there is none: ENOENT when nobody has that name,
 // ECONNREFUSED when somebody had. A name that would lead to another folder is nobody's.
 TDescriptor ConnectToService(const char *name) noexcept;
+
+// Bounds what receiving on a connection may take, until something is there; 0 sets no bound.
+void LimitReceiving(int socket, long seconds) noexcept;
 
 // True when a service of that name has a socket there, alive or not.
 bool ServiceHasSocket(const char *name) noexcept;
@@ -24,5 +32,15 @@ bool ServiceHasSocket(const char *name) noexcept;
 // A socket that listens under the name, without waiting, in place of what another process may have left
 // there; errno says why there is none. Who may take the name over is the caller's business.
 TDescriptor ListenAsService(const char *name) noexcept;
+
+// Takes a service's name back, whoever has it now.
+void UnlinkService(const char *name) noexcept;
+
+// Takes in the next who connects to a listening socket, in a socket that does not wait. Closed when nobody
+// is there, or one who is another user's; errno says which. `process` gets the id of who it is.
+TDescriptor AcceptFromOwnUser(int listener, pid_t *process = nullptr) noexcept;
+
+// The process at the other end of a connection; 0 when it is another user's.
+pid_t PeerProcess(int socket) noexcept;
 
 } // namespace vellum

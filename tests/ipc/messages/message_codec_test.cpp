@@ -16,7 +16,7 @@ Bytes BytesOf(const OutgoingMessage &message) {
 }
 
 OutgoingMemory Memory(std::string_view text) {
-    return {std::make_shared<const MemoryBlock>(MemoryBlock::CreateSmall(text.data(), text.size())),
+    return {std::make_shared<const MemoryBlock>(MemoryBlock::CreateCopy(text.data(), text.size())),
             text.size()};
 }
 

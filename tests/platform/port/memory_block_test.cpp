@@ -126,12 +126,12 @@ TEST(MemoryBlock, IsEmptyWhenDescriptorsAreExhausted) {
 }
 
 TEST(MemoryBlock, HoldsASmallCopyWithoutADescriptor) {
-    const MemoryBlock block = MemoryBlock::CreateSmall("small", 5);
+    const MemoryBlock block = MemoryBlock::CreateCopy("small", 5);
     ASSERT_EQ(block.Size(), kPage);
     const std::string bytes(reinterpret_cast<const char *>(block.Bytes()), block.Size());
     EXPECT_EQ(bytes, "small" + std::string(kPage - 5, '\0'));
     EXPECT_EQ(block.Descriptor(), -1);
-    EXPECT_EQ(MemoryBlock::CreateSmall("", 0).Bytes(), nullptr);
+    EXPECT_EQ(MemoryBlock::CreateCopy("", 0).Bytes(), nullptr);
 }
 
 TEST(MemoryBlock, MovesAndLeavesNothingBehind) {

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+// What it costs to ask the font server, beside what the system asks for a question and an answer of the
+// same sizes between two processes.
+//
+//     shared_benchmark [FONTSERVER]
+//
+// The server is a real one with folders of its own and about 4,000 faces. Without an argument it is the one
+// that was built with this program.
+#include "ipc/client/global_glyphary_imp.hpp"
+#include "ipc/encoding/travelling_values.hpp"
+#include "many_faces.hpp"
+#include "rotation.hpp"
+#include "values/val_set.hpp"
+#include "values/val_str.hpp"
+
+#include <vellum/vellum.hpp>
+
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+using namespace vellum;
+using namespace vellum::bench;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr size_t kFaces = 4000;
+constexpr int kRounds = 15;
+
+// A folder with a machine in it: fonts, and the places of a server.
+class Machine {
+public:
+    Machine() {
+        char path[] = "/tmp/vellum-bench-XXXXXX";
+        folder_ = ::mkdtemp(path);
+        for (const char *name : {"run", "state", "data", "root/usr/share/fonts"})
+            fs::create_directories(folder_ + "/" + name);
+        ::chmod((folder_ + "/run").c_str(), 0700);
+        ::setenv("XDG_RUNTIME_DIR", (folder_ + "/run").c_str(), 1);
+        ::setenv("XDG_STATE_HOME", (folder_ + "/state").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", (folder_ + "/data").c_str(), 1);
+        ::setenv("VELLUM_FONTS_ROOT", (folder_ + "/root").c_str(), 1);
+        ::setenv("VL_FRAMEWORK_RESOURCES_PATH", "", 1);
+        ::unsetenv("VELLUM_IGNORE_SERVER");
+    }
+    Machine(const Machine &) = delete;
+    Machine &operator=(const Machine &) = delete;
+    ~Machine() {
+        if (server_ > 0) ::kill(server_, SIGKILL), ::waitpid(server_, nullptr, 0);
+        fs::remove_all(folder_);
+    }
+
+    // Four faces a family; the names by which they are asked for.
+    std::vector<std::string> AddFaces() {
+        std::vector<TFont> originals;
+        for (const std::string &file : FindFontFiles({}))
+            if (auto font = TakeApart(file)) originals.push_back(std::move(*font));
+        std::vector<std::string> names;
+        for (size_t i = 0; i < kFaces; ++i) {
+            const std::string number = std::to_string(i), family = "Bench " + std::to_string(i / 4);
+            const TNames face{family, "Style " + std::to_string(i % 4), family + " " + number,
+                              "Bench-" + number};
+            std::ofstream(folder_ + "/root/usr/share/fonts/" + number + ".ttf", std::ios::binary)
+                << PutTogether(originals[i % originals.size()], face);
+            names.push_back(face.postscript);
+        }
+        return names;
+    }
+
+    bool Start(const char *program) {
+        const std::string path = folder_ + "/ready";
+        sockaddr_un address = {AF_UNIX, {}};
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int ready = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        if (::bind(ready, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) return false;
+        ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
+        server_ = ::fork();
+        if (server_ == 0) {
+            ::execl(program, program, "--foreground", nullptr);
+            ::_exit(127);
+        }
+        char text[16];
+        const bool is_ready = ::recv(ready, text, sizeof text, 0) > 0;
+        ::close(ready);
+        return is_ready;
+    }
+
+private:
+    std::string folder_;
+    pid_t server_ = -1;
+};
+
+// A process that answers each packet with one of the size that the packet's first bytes say.
+class Echo {
+public:
+    Echo() {
+        int ends[2];
+        if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) std::abort();
+        socket_ = ends[0];
+        process_ = ::fork();
+        if (process_ == 0) {
+            ::close(ends[0]);
+            std::vector<char> buffer(kLongest);
+            uint32_t size;
+            while (::recv(ends[1], buffer.data(), buffer.size(), 0) > 0) {
+                std::memcpy(&size, buffer.data(), sizeof size);
+                if (::send(ends[1], buffer.data(), size, MSG_NOSIGNAL) < 0) break;
+            }
+            ::_exit(0);
+        }
+        ::close(ends[1]);
+    }
+    Echo(const Echo &) = delete;
+    Echo &operator=(const Echo &) = delete;
+    ~Echo() {
+        ::close(socket_);
+        ::waitpid(process_, nullptr, 0);
+    }
+
+    size_t Ask(size_t request, size_t reply) {
+        const auto size = static_cast<uint32_t>(reply);
+        std::memcpy(buffer_.data(), &size, sizeof size);
+        ::send(socket_, buffer_.data(), request, MSG_NOSIGNAL);
+        return static_cast<size_t>(::recv(socket_, buffer_.data(), buffer_.size(), 0));
+    }
+
+    static constexpr size_t kLongest = size_t{128} << 10;
+
+private:
+    int socket_;
+    pid_t process_;
+    std::vector<char> buffer_ = std::vector<char>(kLongest);
+};
+
+template <class Work>
+size_t Repeat(size_t times, Work work) {
+    size_t done = 0;
+    for (size_t i = 0; i < times; ++i) done += work(i) ? size_t{1} : size_t{0};
+    return done;
+}
+
+void Compare(const char *what, std::vector<TSide> sides) {
+    Rotate(sides, kRounds);
+    std::printf("%s\n", what);
+    Print(sides);
+}
+
+size_t FlattenedSize(const void *value) {
+    const auto memory = Flattened(value);
+    return memory ? memory->length : 0;
+}
+
+} // namespace
+
+int main(int count, char **arguments) {
+    const std::string beside = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
+    const std::string program = count > 1 ? arguments[1] : beside + "/src/server/vellum-fontserver";
+    Machine machine;
+    const auto names = machine.AddFaces();
+    Echo echo;
+    if (!machine.Start(program.c_str())) {
+        std::fprintf(stderr, "%s does not start\n", program.c_str());
+        return 1;
+    }
+    const TGlobalGlypharyImp server;
+    std::vector<Ref<const ValString>> asked;
+    for (const std::string &name : names) asked.push_back(TValStr(name).Ref());
+    const auto first = server.CopyFontForName(asked[0].Get(), kVLScopeUser);
+    if (!first) return 1;
+    const size_t url = TValStr(Retain(ValURLGetString(first.Get()))).View().size();
+
+    constexpr size_t kTimes = 500;
+    Compare("500 names",
+            {{"ping-pong of the same sizes",
+              [&] { return Repeat(kTimes, [&](size_t) { return echo.Ask(24 + 56, 24 + 48 + url); }); }},
+             {"through the server", [&] {
+                  return Repeat(kTimes, [&](size_t i) {
+                      return bool(server.CopyFontForName(asked[i].Get(), kVLScopeUser));
+                  });
+              }}});
+
+    constexpr size_t kMany = 1'000'000;
+    Compare("a name that the thread's cache has, a million times",
+            {{"cached", [&] {
+                  return Repeat(kMany, [&](size_t) {
+                      return bool(Adopt(
+                          VLCopyFontWithName(asked[0].Get(), kVLScopeUser,
+                                             kVLActivationNotFromProviders | kVLActivationNotFromSearch)));
+                  });
+              }}});
+
+    const size_t families = FlattenedSize(server.CopyAvailableFontFamilyNames(kVLScopeUser).Get());
+    std::printf("all families: %zu bytes\n", families);
+    Compare("all families, 20 times",
+            {{"ping-pong of as many bytes",
+              [&] { return Repeat(20, [&](size_t) { return echo.Ask(60, families); }); }},
+             {"through the server", [&] {
+                  return Repeat(
+                      20, [&](size_t) { return bool(server.CopyAvailableFontFamilyNames(kVLScopeUser)); });
+              }}});
+
+    TValMutableSet keys;
+    for (const ValString *key : {kVLFontPropertyURL, kVLFontPropertyName, kVLFontPropertyFamilyName,
+                                 kVLFontPropertySubfamilyName, kVLFontPropertyTraits})
+        keys.Add(key);
+    const auto all = server.CopyPropertiesForAllFonts(keys.Get(), kVLScopeUser);
+    const auto memory = Flattened(all.Get());
+    if (!memory) return 1;
+    std::vector<uint8_t> copy(memory->length);
+    std::printf("all properties: %zu bytes\n", memory->length);
+    Compare("all properties",
+            {{"copying the bytes",
+              [&] {
+                  std::memcpy(copy.data(), memory->Bytes().data(), copy.size());
+                  Keep(copy.data());
+                  return copy.size();
+              }},
+             {"through the server", [&] {
+                  return ValArrayGetCount(server.CopyPropertiesForAllFonts(keys.Get(), kVLScopeUser).Get());
+              }}});
+}

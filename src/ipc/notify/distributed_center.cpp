@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "ipc/notify/distributed_center.hpp"
+
+#include "ipc/encoding/travelling_values.hpp"
+#include "ipc/messages/message_codec.hpp"
+#include "ipc/messages/notification_rows.hpp"
+#include "ipc/session/session_manager.hpp"
+#include "platform/port/packet.hpp"
+#include "platform/port/ports.hpp"
+#include "platform/port/service_address.hpp"
+#include "platform/process/process.hpp"
+#include "values/val_dictionary.hpp"
+
+#include <pthread.h>
+#include <signal.h>
+#include <time.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <memory>
+
+namespace vellum {
+
+namespace {
+
+// How long the receiving thread waits before it looks for a hub again that has gone: longer each time that
+// none tells anything.
+constexpr std::chrono::milliseconds kShortestWait(100), kLongestWait(30'000);
+
+// What the receiving thread needs of a stack; it calls observers, who only leave word for the main loop.
+constexpr size_t kStackSize = size_t{256} << 10;
+
+// How long a hub may take to take an observer in; the thread that adds the first one waits for it.
+constexpr long kHubPatience = 1; // seconds
+
+// What a notification may bring.
+constexpr uint32_t kMostReceived = uint32_t{4} << 20;
+
+std::array<char, 64> HubName() noexcept {
+    std::array<char, 64> name = {};
+    try {
+        TSessionManager().ResolveServiceName(name.data(), name.size(), kNotificationHubName);
+    } catch (...) { // memory is exhausted: there is no such hub
+    }
+    return name;
+}
+
+// A connection on which the hub tells what is posted from now on; closed where there is no hub.
+TDescriptor Observe() noexcept {
+    TDescriptor socket = ConnectToService(HubName().data());
+    if (!socket.IsOpen()) return socket;
+    LimitReceiving(socket.Get(), kHubPatience);
+    PacketReceiver receiver;
+    IncomingMessage reply;
+    ReceivedReply nothing;
+    uint64_t instance = 0;
+    const OutgoingMessage request = WriteRequest(kObserveRow, kPortNull, kPortNull, {});
+    const bool is_heard = SendPacket(socket.Get(), 0, request, true) == PacketResult::kDone &&
+                          receiver.Receive(socket.Get(), true, reply, instance) == PacketResult::kDone &&
+                          !reply.bytes.empty() && ReadReply(kObserveRow, reply, nothing) == kMachSuccess;
+    LimitReceiving(socket.Get(), 0); // from now on it tells what it has to tell
+    return is_heard ? std::move(socket) : TDescriptor();
+}
+
+// True once the hub has told everybody.
+bool SendToHub(const OutgoingMemory &notification) {
+    PortName hub = kPortNull;
+    if (bootstrap_look_up(HubName().data(), hub) != kMachSuccess) return false;
+    const OutgoingMessage request = WriteRequest(kPostRow, hub, mig_get_reply_port(), {notification});
+    IncomingMessage message;
+    ReceivedReply reply;
+    const bool is_told =
+        mach_msg(request, message) == kMachSuccess && ReadReply(kPostRow, message, reply) == kMachSuccess;
+    mach_port_deallocate(hub);
+    return is_told;
+}
+
+void Sleep(std::chrono::milliseconds time) noexcept {
+    timespec left = {time.count() / 1000, time.count() % 1000 * 1'000'000};
+    while (::nanosleep(&left, &left) != 0) {
+    }
+}
+
+} // namespace
+
+DistributedCenter &DistributedCenter::Shared() {
+    static DistributedCenter *const center = new DistributedCenter;
+    return *center;
+}
+
+void DistributedCenter::AddObserver(void *observer, NotificationCallback callback, const ValString *name) {
+    observers_.AddObserver(observer, callback, name);
+    is_observed_.store(true, std::memory_order_release);
+    Listen();
+}
+
+void DistributedCenter::ListenAfterFork() noexcept {
+    if (is_observed_.load(std::memory_order_acquire)) Listen();
+}
+
+// The first who comes connects, so that nothing is missed from then on, and leaves the rest to the thread.
+void DistributedCenter::Listen() noexcept {
+    const uint32_t process = GetProcessID();
+    if (listener_.exchange(process, std::memory_order_acq_rel) == process) return;
+    struct Start {
+        DistributedCenter &center;
+        TDescriptor socket;
+    };
+    std::unique_ptr<Start> start(new (std::nothrow) Start{*this, Observe()});
+    const auto run = [](void *info) -> void * {
+        const std::unique_ptr<Start> mine(static_cast<Start *>(info));
+        mine->center.ReceiveForEver(std::move(mine->socket));
+        return nullptr;
+    };
+    // Signals are the program's: none of them is handled on a thread that it does not know.
+    sigset_t all, former;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    pthread_attr_t attributes;
+    ::pthread_attr_init(&attributes);
+    ::pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    ::pthread_attr_setstacksize(&attributes, kStackSize);
+    pthread_t thread;
+    if (start && ::pthread_create(&thread, &attributes, run, start.get()) == 0)
+        start.release();
+    else
+        listener_.store(0, std::memory_order_release); // the next who comes tries again
+    ::pthread_attr_destroy(&attributes);
+    ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
+}
+
+void DistributedCenter::ReceiveForEver(TDescriptor socket) noexcept {
+    PacketReceiver receiver(kMostReceived);
+    for (auto wait = kShortestWait;;) {
+        while (socket.IsOpen() && ReceiveOne(receiver, socket.Get())) wait = kShortestWait;
+        do {
+            Sleep(wait);
+            wait = std::min(2 * wait, kLongestWait);
+        } while (!(socket = Observe()).IsOpen());
+        TellOfGap();
+    }
+}
+
+// False when the connection has ended.
+bool DistributedCenter::ReceiveOne(PacketReceiver &receiver, int socket) noexcept {
+    IncomingMessage message;
+    uint64_t instance = 0;
+    if (receiver.Receive(socket, true, message, instance) != PacketResult::kDone) return false;
+    ReceivedArguments arguments;
+    if (message.bytes.empty() || message.Header().id != kTellRow.id ||
+        !ReadRequest(kTellRow, message, arguments))
+        return false;
+    try {
+        const TValDict notification(Resurrected<ValDictionary>(arguments[0].memory));
+        for (const auto &[name, user_info] : notification)
+            if (Cast<ValString>(name))
+                observers_.Post(Cast<ValString>(name), Cast<ValDictionary>(user_info));
+    } catch (...) { // memory is exhausted: as if it had been missed
+        TellOfGap();
+    }
+    return true;
+}
+
+void DistributedCenter::TellOfGap() noexcept {
+    observers_.PostToAll(nullptr);
+}
+
+void DistributedCenter::Post(const ValString *name, const ValDictionary *user_info) {
+    TValMutableDict notification;
+    notification.Set(name, user_info);
+    const auto memory = Flattened(notification.Get());
+    if (!memory || !SendToHub(*memory)) observers_.Post(name, user_info);
+}
+
+} // namespace vellum
