@@ -6,8 +6,10 @@
 //
 // The server is a real one with folders of its own and about 4,000 faces. Without an argument it is the one
 // that was built with this program.
+#include "frame/registry/generation_seed.hpp"
 #include "ipc/client/global_glyphary_imp.hpp"
 #include "ipc/encoding/travelling_values.hpp"
+#include "machine.hpp"
 #include "many_faces.hpp"
 #include "rotation.hpp"
 #include "values/val_set.hpp"
@@ -15,89 +17,36 @@
 
 #include <vellum/vellum.hpp>
 
-#include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
 
 using namespace vellum;
 using namespace vellum::bench;
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr size_t kFaces = 4000;
 constexpr int kRounds = 15;
 
-// A folder with a machine in it: fonts, and the places of a server.
-class Machine {
-public:
-    Machine() {
-        char path[] = "/tmp/vellum-bench-XXXXXX";
-        folder_ = ::mkdtemp(path);
-        for (const char *name : {"run", "state", "data", "root/usr/share/fonts"})
-            fs::create_directories(folder_ + "/" + name);
-        ::chmod((folder_ + "/run").c_str(), 0700);
-        ::setenv("XDG_RUNTIME_DIR", (folder_ + "/run").c_str(), 1);
-        ::setenv("XDG_STATE_HOME", (folder_ + "/state").c_str(), 1);
-        ::setenv("XDG_DATA_HOME", (folder_ + "/data").c_str(), 1);
-        ::setenv("VELLUM_FONTS_ROOT", (folder_ + "/root").c_str(), 1);
-        ::setenv("VL_FRAMEWORK_RESOURCES_PATH", "", 1);
-        ::unsetenv("VELLUM_IGNORE_SERVER");
+// Four faces a family; the names by which they are asked for.
+std::vector<std::string> AddFaces(const std::string &folder) {
+    std::vector<TFont> originals;
+    for (const std::string &file : FindFontFiles({}))
+        if (auto font = TakeApart(file)) originals.push_back(std::move(*font));
+    std::vector<std::string> names;
+    for (size_t i = 0; i < kFaces; ++i) {
+        const std::string number = std::to_string(i), family = "Bench " + std::to_string(i / 4);
+        const TNames face{family, "Style " + std::to_string(i % 4), family + " " + number,
+                          "Bench-" + number};
+        std::ofstream(folder + "/" + number + ".ttf", std::ios::binary)
+            << PutTogether(originals[i % originals.size()], face);
+        names.push_back(face.postscript);
     }
-    Machine(const Machine &) = delete;
-    Machine &operator=(const Machine &) = delete;
-    ~Machine() {
-        if (server_ > 0) ::kill(server_, SIGKILL), ::waitpid(server_, nullptr, 0);
-        fs::remove_all(folder_);
-    }
-
-    // Four faces a family; the names by which they are asked for.
-    std::vector<std::string> AddFaces() {
-        std::vector<TFont> originals;
-        for (const std::string &file : FindFontFiles({}))
-            if (auto font = TakeApart(file)) originals.push_back(std::move(*font));
-        std::vector<std::string> names;
-        for (size_t i = 0; i < kFaces; ++i) {
-            const std::string number = std::to_string(i), family = "Bench " + std::to_string(i / 4);
-            const TNames face{family, "Style " + std::to_string(i % 4), family + " " + number,
-                              "Bench-" + number};
-            std::ofstream(folder_ + "/root/usr/share/fonts/" + number + ".ttf", std::ios::binary)
-                << PutTogether(originals[i % originals.size()], face);
-            names.push_back(face.postscript);
-        }
-        return names;
-    }
-
-    bool Start(const char *program) {
-        const std::string path = folder_ + "/ready";
-        sockaddr_un address = {AF_UNIX, {}};
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        const int ready = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        if (::bind(ready, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) return false;
-        ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
-        server_ = ::fork();
-        if (server_ == 0) {
-            ::execl(program, program, "--foreground", nullptr);
-            ::_exit(127);
-        }
-        char text[16];
-        const bool is_ready = ::recv(ready, text, sizeof text, 0) > 0;
-        ::close(ready);
-        return is_ready;
-    }
-
-private:
-    std::string folder_;
-    pid_t server_ = -1;
-};
+    return names;
+}
 
 // A process that answers each packet with one of the size that the packet's first bytes say.
 class Echo {
@@ -162,15 +111,10 @@ size_t FlattenedSize(const void *value) {
 } // namespace
 
 int main(int count, char **arguments) {
-    const std::string beside = fs::read_symlink("/proc/self/exe").parent_path().parent_path().string();
-    const std::string program = count > 1 ? arguments[1] : beside + "/src/server/vellum-fontserver";
-    Machine machine;
-    const auto names = machine.AddFaces();
+    Machine machine(count > 1 ? arguments[1] : BuiltBeside("server/vellum-fontserver"));
+    const auto names = AddFaces(machine.SystemFonts());
     Echo echo;
-    if (!machine.Start(program.c_str())) {
-        std::fprintf(stderr, "%s does not start\n", program.c_str());
-        return 1;
-    }
+    if (!machine.Start()) return 1;
     const TGlobalGlypharyImp server;
     std::vector<Ref<const ValString>> asked;
     for (const std::string &name : names) asked.push_back(TValStr(name).Ref());
@@ -200,12 +144,18 @@ int main(int count, char **arguments) {
 
     const size_t families = FlattenedSize(server.CopyAvailableFontFamilyNames(kVLScopeUser).Get());
     std::printf("all families: %zu bytes\n", families);
+    const auto ask_families = [&] {
+        return Repeat(20, [&](size_t) { return bool(server.CopyAvailableFontFamilyNames(kVLScopeUser)); });
+    };
     Compare("all families, 20 times",
             {{"ping-pong of as many bytes",
               [&] { return Repeat(20, [&](size_t) { return echo.Ask(60, families); }); }},
-             {"through the server", [&] {
-                  return Repeat(
-                      20, [&](size_t) { return bool(server.CopyAvailableFontFamilyNames(kVLScopeUser)); });
+             {"through the server", ask_families},
+             {"the same, all read anew", [&] {
+                  return Repeat(20, [&](size_t) {
+                      TGenerationSeed::UpdateGeneration();
+                      return bool(server.CopyAvailableFontFamilyNames(kVLScopeUser));
+                  });
               }}});
 
     TValMutableSet keys;
@@ -224,7 +174,12 @@ int main(int count, char **arguments) {
                   Keep(copy.data());
                   return copy.size();
               }},
-             {"through the server", [&] {
+             {"through the server",
+              [&] {
+                  return ValArrayGetCount(server.CopyPropertiesForAllFonts(keys.Get(), kVLScopeUser).Get());
+              }},
+             {"the same, all read anew", [&] {
+                  TGenerationSeed::UpdateGeneration();
                   return ValArrayGetCount(server.CopyPropertiesForAllFonts(keys.Get(), kVLScopeUser).Get());
               }}});
 }

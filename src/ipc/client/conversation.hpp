@@ -43,7 +43,7 @@ template <class T, class Send>
 Ref<const T> TGlobalGlypharyImp::Ask(const char *operation, Send send) const {
     ReplyMemory reply;
     if (!Converse(operation, [&](PortName port) { return send(port, reply); })) return nullptr;
-    return Resurrected<T>(reply.bytes);
+    return Retain(Cast<T>(kept_.Read(std::move(reply)).Get()));
 }
 
 template <class Send>

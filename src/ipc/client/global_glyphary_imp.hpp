@@ -7,6 +7,7 @@
 #pragma once
 
 #include "frame/registry/glyphary_imp.hpp"
+#include "ipc/client/kept_replies.hpp"
 #include "ipc/client/stubs.hpp"
 
 #include <atomic>
@@ -123,6 +124,7 @@ private:
 
     mutable std::atomic<PortName> server_{kPortNull};
     mutable std::atomic<uint32_t> forks_{0}; // that server_ has seen
+    mutable KeptReplies kept_;
 };
 
 } // namespace vellum

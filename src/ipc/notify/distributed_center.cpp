@@ -8,7 +8,6 @@
 #include "platform/port/packet.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
-#include "platform/process/process.hpp"
 #include "values/val_dictionary.hpp"
 
 #include <pthread.h>
@@ -101,8 +100,10 @@ void DistributedCenter::ListenAfterFork() noexcept {
 
 // The first who comes connects, so that nothing is missed from then on, and leaves the rest to the thread.
 void DistributedCenter::Listen() noexcept {
-    const uint32_t process = GetProcessID();
-    if (listener_.exchange(process, std::memory_order_acq_rel) == process) return;
+    const uint32_t life = CountOfForks() + 1;
+    if (listens_in_.load(std::memory_order_acquire) == life ||
+        listens_in_.exchange(life, std::memory_order_acq_rel) == life)
+        return;
     struct Start {
         DistributedCenter &center;
         TDescriptor socket;
@@ -125,7 +126,7 @@ void DistributedCenter::Listen() noexcept {
     if (start && ::pthread_create(&thread, &attributes, run, start.get()) == 0)
         start.release();
     else
-        listener_.store(0, std::memory_order_release); // the next who comes tries again
+        listens_in_.store(0, std::memory_order_release); // the next who comes tries again
     ::pthread_attr_destroy(&attributes);
     ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
 }

@@ -40,7 +40,7 @@ private:
     void TellOfGap() noexcept;
 
     NotificationCenter observers_;
-    std::atomic<uint32_t> listener_{0}; // the process that has a receiving thread
+    std::atomic<uint32_t> listens_in_{0}; // the forks, and one, until the life that has a receiving thread
     std::atomic<bool> is_observed_{false};
 };
 

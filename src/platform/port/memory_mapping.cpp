@@ -17,7 +17,7 @@ std::optional<MemoryMapping> MemoryMapping::Create(int descriptor, size_t length
     if (length == 0 || length > static_cast<size_t>(status.st_size)) return std::nullopt;
     void *memory = ::mmap(nullptr, length, PROT_READ, MAP_PRIVATE, descriptor, 0);
     if (memory == MAP_FAILED) return std::nullopt;
-    return MemoryMapping({static_cast<const uint8_t *>(memory), length});
+    return MemoryMapping({static_cast<const uint8_t *>(memory), length}, {status.st_dev, status.st_ino});
 }
 
 MemoryMapping::~MemoryMapping() {

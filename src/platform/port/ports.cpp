@@ -120,7 +120,6 @@ ThreadPorts *Mine() noexcept {
     ThreadPorts *mine = TPerThread<ThreadPorts>::Get();
     const uint32_t forks = CountOfForks();
     if (mine && mine->forks == forks) return mine;
-    NoticeForks();
     std::unique_ptr<ThreadPorts> made(new (std::nothrow) ThreadPorts);
     if (made) made->forks = forks;
     return made ? TPerThread<ThreadPorts>::Set(std::move(made)) : nullptr;
@@ -284,6 +283,7 @@ MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply, long p
 }
 
 uint32_t CountOfForks() noexcept {
+    NoticeForks();
     return sForks.load(std::memory_order_relaxed);
 }
 

@@ -33,8 +33,8 @@ void mig_dealloc_reply_port(PortName reply_port) noexcept;
 MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply,
                   long patience = kReplyPatience) noexcept;
 
-// How often this process has been forked off since it began to use ports: names that were given before the
-// number moved are dead.
+// How often this process has been forked off since it first asked this: names that were given before the
+// number moved are dead. Unlike a process's identifier, it costs no call of the system.
 uint32_t CountOfForks() noexcept;
 
 } // namespace vellum
