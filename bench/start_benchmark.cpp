@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 using namespace vellum;
 using namespace vellum::bench;
@@ -65,11 +66,16 @@ FirstAnswer MedianOf(std::vector<FirstAnswer> &answers) {
     return median;
 }
 
-// The machine's fonts are links, as they would be many gigabytes.
+// The machine's fonts are second names of the files, or links where those lie on another volume: copies
+// would take up a gigabyte.
 void AddFonts(const Machine &machine, const TFiles &files) {
-    for (size_t i = 0; i < files.size(); ++i)
-        fs::create_symlink(files[i], machine.SystemFonts() + "/" + std::to_string(i) +
-                                         fs::path(files[i]).extension().string());
+    for (size_t i = 0; i < files.size(); ++i) {
+        const fs::path name =
+            machine.SystemFonts() + "/" + std::to_string(i) + fs::path(files[i]).extension().string();
+        std::error_code error;
+        fs::create_hard_link(files[i], name, error);
+        if (error) fs::create_symlink(files[i], name);
+    }
 }
 
 // fontconfig as it is installed, but with these fonts and a cache of its own.
@@ -98,21 +104,25 @@ size_t CountFaces() {
 }
 
 void CompareFirstAnswers(const Side &vellum) {
-    std::array<std::vector<FirstAnswer>, 2> answers;
-    Ask(kFontconfig); // which makes its cache
-    Ask(vellum);
-    for (int i = 0; i < kProcesses; ++i) {
-        answers[0].push_back(Ask(kFontconfig));
-        answers[1].push_back(Ask(vellum));
-    }
-    const FirstAnswer theirs = MedianOf(answers[0]), ours = MedianOf(answers[1]);
-    const auto print = [&](const char *name, const FirstAnswer &one) {
-        std::printf("  %-12s %8.3f ms  x%.2f   memory %7.0f kB x%.2f, its own %7.0f kB x%.2f\n", name,
-                    one.milliseconds, one.milliseconds / theirs.milliseconds, one.memory,
+    const Side in_toolkit = {"toolkit", vellum.library, vellum.question};
+    const std::array<std::pair<const char *, Side>, 3> sides = {{
+        {"fontconfig", kFontconfig},
+        {"Vellum", vellum},
+        {"Vellum, in a toolkit's process", in_toolkit},
+    }};
+    std::array<std::vector<FirstAnswer>, sides.size()> answers;
+    for (int round = 0; round <= kProcesses; ++round)
+        for (size_t i = 0; i < sides.size(); ++i) {
+            const FirstAnswer answer = Ask(sides[i].second);
+            if (round > 0) answers[i].push_back(answer); // the first one makes fontconfig's cache
+        }
+    const FirstAnswer theirs = MedianOf(answers[0]);
+    for (size_t i = 0; i < sides.size(); ++i) {
+        const FirstAnswer one = MedianOf(answers[i]);
+        std::printf("  %-30s %8.3f ms x%.2f   resident %7.0f kB x%.2f, written %7.0f kB x%.2f\n",
+                    sides[i].first, one.milliseconds, one.milliseconds / theirs.milliseconds, one.memory,
                     one.memory / theirs.memory, one.own_memory, one.own_memory / theirs.own_memory);
-    };
-    print("fontconfig", theirs);
-    print("Vellum", ours);
+    }
 }
 
 void CompareColdStarts(Machine &machine, const Side &vellum) {
@@ -147,7 +157,7 @@ int main(int count, char **arguments) {
     std::printf("beside fontconfig %d.%d.%d\n", FC_MAJOR, FC_MINOR, FC_REVISION);
     std::array<size_t, 2> faces{};
     std::array<long, 2> memory{};
-    for (const size_t which : {0, 1}) {
+    for (const size_t which : {size_t{0}, size_t{1}}) {
         Machine machine(BuiltBeside("server/vellum-fontserver"));
         AddFonts(machine, which ? all : few);
         ConfigureFontconfig(machine);

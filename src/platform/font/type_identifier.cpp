@@ -11,6 +11,8 @@
 #include "platform/val/static_string.hpp"
 #include "platform/val/string.hpp"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <climits>
 #include <string>
@@ -151,6 +153,19 @@ const ValString *TypeOfFile(const TReading &reading, const std::string &path) {
     return IsCompressed(kind) ? TypeOfCompressed(reading, kind, path) : TypeOfKind(kind);
 }
 
+// Whether a file with bytes of its own can be of that kind, or only one that is nothing but its second
+// fork.
+bool CanHaveBytes(std::string_view tag) noexcept {
+    return tag != Text(kPostScriptOutlines.Get()) && tag != Text(kSuitcase.Get());
+}
+
+bool HasBytes(const ValURL *url) noexcept {
+    char path[PATH_MAX];
+    struct stat status;
+    return ValURLGetFileSystemRepresentation(url, path, sizeof path) && ::stat(path, &status) == 0 &&
+           status.st_size > 0;
+}
+
 // A constant, or null.
 const ValString *GetTypeIdentifier(const ValURL *url) noexcept {
     return Guarded([&]() -> const ValString * {
@@ -179,7 +194,9 @@ bool TypeConformsTo(std::string_view type, std::string_view tag) noexcept {
     return false;
 }
 
+// Whether a file is a printer's font is asked of each that is registered: most need not be opened for it.
 bool ConformsToTypeTag(const ValURL *url, std::string_view tag) noexcept {
+    if (!CanHaveBytes(tag) && HasBytes(url)) return false;
     return TypeConformsTo(Text(GetTypeIdentifier(url)), tag);
 }
 
