@@ -90,7 +90,7 @@ FontFolders::~FontFolders() {
     loop_.Forget(inotify_.Get());
 }
 
-void FontFolders::Load(const std::vector<SavedDirectory> &saved) {
+EventLoop::Slice FontFolders::Load(const std::vector<SavedDirectory> &saved) {
     Round round;
     // With its own root the system has exactly the folders that it says; else whole trees, whose folders
     // are named one by one.
@@ -105,8 +105,7 @@ void FontFolders::Load(const std::vector<SavedDirectory> &saved) {
         registered_.emplace(directory.path, directory);
         if (!HasRootOver(directory.path)) AddRoot(directory.path, RootFor(directory), round);
     }
-    while (Slice(round)) {
-    }
+    return [this, round = std::move(round)]() mutable { return Slice(round); };
 }
 
 FontFolders::Root FontFolders::RootFor(const SavedDirectory &directory) noexcept {

@@ -30,8 +30,9 @@ public:
     FontFolders(const FontFolders &) = delete;
     FontFolders &operator=(const FontFolders &) = delete;
 
-    // Takes in the folders of the system and of the user, and those that are saved, without telling.
-    void Load(const std::vector<SavedDirectory> &saved);
+    // Takes in the folders of the system and of the user, and those that are saved, without telling: as
+    // work, which is to come before any other.
+    EventLoop::Slice Load(const std::vector<SavedDirectory> &saved);
 
     // Registers a folder for the user: its files, and those of the folders below unless bit 0 of its
     // options is set and as far as kMostFolders, are in the register as long as it is registered. They come

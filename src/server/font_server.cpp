@@ -5,7 +5,9 @@
 #include "server/answers.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
+#include <utility>
 
 namespace vellum {
 
@@ -74,7 +76,25 @@ OutgoingReply Refuse(MachCode code) {
     return reply;
 }
 
+// How long a client hears nothing of a server that has not taken in all fonts yet.
+constexpr std::chrono::milliseconds kLongestSilence(1000);
+
 } // namespace
+
+void FontServer::BeginToAnswer() {
+    has_all_fonts_ = true;
+    HaveAllAskAgain();
+}
+
+// Each peer waits for the reply before it asks anything else, so that there are never many.
+void FontServer::Hold(Errand errand) {
+    held_.push_back(std::move(errand));
+    if (held_.size() == 1) loop_.CallLater(kLongestSilence, [this] { HaveAllAskAgain(); });
+}
+
+void FontServer::HaveAllAskAgain() {
+    for (const Errand &errand : std::exchange(held_, {})) errand.Reply(Refuse(kMachAskAgain));
+}
 
 void FontServer::Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
     const Errand errand = {peer, FindMessageRow(message.Header().id), message.Header()};
@@ -88,6 +108,7 @@ void FontServer::Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage
         errand.Reply(Refuse(kMachNoMemory));
         return peer->CutOff();
     }
+    if (!has_all_fonts_) return Hold(errand);
     try {
         const AnswerRow &answer = AnswerTo(*errand.row);
         if (answer.query)

@@ -9,8 +9,8 @@
 #include "server/provider_list.hpp"
 #include "server/shared_register.hpp"
 
-#include <functional>
 #include <memory>
+#include <vector>
 
 namespace vellum {
 
@@ -26,7 +26,8 @@ struct Errand {
 };
 
 // Queries are answered at once. Changes wait their turn and are made in slices, between which queries are
-// answered.
+// answered. As long as not all fonts have been taken in, nothing is answered but that one should ask again:
+// a client that finds the system's fonts missing would do without the server from then on.
 class FontServer {
 public:
     // What one descriptor of a request may bring.
@@ -38,6 +39,9 @@ public:
     // What MessageService calls for each message.
     void Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message);
 
+    // All fonts are there: from now on there are answers.
+    void BeginToAnswer();
+
     SharedRegister &Register() noexcept { return register_; }
     const TLocalGlypharyImp &Fonts() const noexcept { return register_.Fonts(); }
     FontFolders &Folders() noexcept { return folders_; }
@@ -46,11 +50,16 @@ public:
     EventLoop &Loop() noexcept { return loop_; }
 
 private:
+    void Hold(Errand errand);
+    void HaveAllAskAgain();
+
     EventLoop &loop_;
     SharedRegister &register_;
     FontFolders &folders_;
     KeptAnswers kept_;
     ProviderList providers_;
+    bool has_all_fonts_ = false;
+    std::vector<Errand> held_; // by those who will be told to ask again
 };
 
 } // namespace vellum

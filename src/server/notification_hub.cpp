@@ -5,7 +5,6 @@
 #include "ipc/messages/notification_rows.hpp"
 #include "values/val_dictionary.hpp"
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -25,18 +24,28 @@ OutgoingMemory CopyOf(std::span<const uint8_t> bytes) {
     return {std::make_shared<const MemoryBlock>(std::move(block)), bytes.size()};
 }
 
-// A notification may list some ten thousand fonts.
-constexpr uint32_t kMostMemory = uint32_t{4} << 20;
+// What may be posted. Whoever lists more than may be told is answered, and observers ask again.
+constexpr uint32_t kMostMemory = 2 * kLongestNotification;
 
-// How long an observer may take nothing while somebody waits for it.
+// How long an observer may take nothing while it has no room.
 constexpr std::chrono::milliseconds kPatience(1000);
 
+// One without any name says that anything may have changed.
 bool IsNotification(const ValDictionary *notification) {
     const TValDict entries(Retain(notification));
-    bool is_well_formed = ValDictionaryGetCount(notification) > 0;
+    bool is_well_formed = notification != nullptr;
     for (const auto &[name, user_info] : entries)
         is_well_formed &= Cast<ValString>(name) && Cast<ValDictionary>(user_info);
     return is_well_formed;
+}
+
+std::shared_ptr<const OutgoingMessage> MessageOf(const OutgoingMemory &notification) {
+    return std::make_shared<const OutgoingMessage>(
+        WriteRequest(kTellRow, kPortNull, kPortNull, {notification}));
+}
+
+OutgoingMemory AnythingMayHaveChanged() {
+    return Flattened(TValMutableDict().Publish().Get()).value_or(OutgoingMemory());
 }
 
 } // namespace
@@ -47,21 +56,14 @@ NotificationHub::NotificationHub(EventLoop &loop, TDescriptor listener, uint64_t
                {[this](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
                     Answer(peer, message);
                 },
-                [this](const std::shared_ptr<Peer> &peer) {
-                    if (observers_.erase(peer)) AnswerPosters();
-                },
-                [this](const std::shared_ptr<Peer> &peer) {
-                    const auto observer = observers_.find(peer);
-                    if (observer == observers_.end()) return;
-                    observer->second = told_;
-                    AnswerPosters();
-                }}) {}
+                [this](const std::shared_ptr<Peer> &peer) { observers_.erase(peer); },
+                [this](const std::shared_ptr<Peer> &peer) { TellWhatItMissed(peer); }}) {}
 
 void NotificationHub::Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
     const MachHeader header = message.Header();
     ReceivedArguments arguments;
     if (header.id == kObserveRow.id && ReadRequest(kObserveRow, message, arguments)) {
-        observers_[peer] = told_;
+        observers_.emplace(peer, false);
         ReplyWith(kMachSuccess, peer, header);
     } else if (header.id == kPostRow.id && ReadRequest(kPostRow, message, arguments)) {
         Post(peer, header, arguments[0].memory);
@@ -78,10 +80,8 @@ void NotificationHub::Post(const std::shared_ptr<Peer> &peer, const MachHeader &
         return peer->CutOff();
     }
     TellAll(CopyOf(notification));
+    ReplyWith(kMachSuccess, peer, header);
     if (repeat_) repeat_(read.Get());
-    if (!IsAnybodyBehind()) return ReplyWith(kMachSuccess, peer, header);
-    posters_.push_back({peer, header});
-    loop_.CallLater(kPatience, [this, until = told_] { CutOffTheSlow(until); });
 }
 
 void NotificationHub::Tell(const ValDictionary *notification) {
@@ -90,33 +90,37 @@ void NotificationHub::Tell(const ValDictionary *notification) {
 }
 
 void NotificationHub::TellAll(const OutgoingMemory &notification) {
-    const auto message = std::make_shared<const OutgoingMessage>(
-        WriteRequest(kTellRow, kPortNull, kPortNull, {notification}));
-    ++told_;
-    std::vector<std::shared_ptr<Peer>> lost;
-    for (auto &[peer, last_taken] : observers_) {
-        if (!peer->Tell(message)) lost.push_back(peer);
-        if (!peer->HasWaiting()) last_taken = told_;
+    const bool is_too_long = notification.length > kLongestNotification;
+    const auto message = MessageOf(is_too_long ? AnythingMayHaveChanged() : notification);
+    std::vector<ObserverPeer> lost;
+    for (auto &[observer, has_missed] : observers_) {
+        if (has_missed) continue;
+        has_missed = !observer->HasRoomFor(*message);
+        if (has_missed)
+            LookAfter(observer);
+        else if (!observer->Tell(message))
+            lost.push_back(observer);
     }
-    for (const std::shared_ptr<Peer> &peer : lost) service_.Dismiss(peer);
+    for (const ObserverPeer &observer : lost) service_.Dismiss(observer);
 }
 
-bool NotificationHub::IsAnybodyBehind() const noexcept {
-    return std::ranges::any_of(observers_, [](const auto &one) { return one.first->IsBehind(); });
+// Looks in a while whether an observer that has missed something has taken anything since.
+void NotificationHub::LookAfter(const ObserverPeer &observer) {
+    loop_.CallLater(kPatience, [this, observer, before = observer->HowFar()] {
+        const auto found = observers_.find(observer);
+        if (found == observers_.end() || !found->second) return;
+        const Peer::Taking now = observer->HowFar();
+        if (!observer->HasWaiting() && now.unread == 0) return TellWhatItMissed(observer);
+        if (now == before) return service_.Dismiss(observer);
+        LookAfter(observer);
+    });
 }
 
-void NotificationHub::AnswerPosters() {
-    if (IsAnybodyBehind()) return;
-    for (const Poster &poster : std::exchange(posters_, {}))
-        ReplyWith(kMachSuccess, poster.peer, poster.header);
-}
-
-// Cuts off those who have not taken the notification of this number.
-void NotificationHub::CutOffTheSlow(uint64_t until) {
-    std::vector<std::shared_ptr<Peer>> slow;
-    for (const auto &[peer, last_taken] : observers_)
-        if (last_taken < until && peer->IsBehind()) slow.push_back(peer);
-    for (const std::shared_ptr<Peer> &peer : slow) service_.Dismiss(peer);
+void NotificationHub::TellWhatItMissed(const ObserverPeer &observer) {
+    const auto found = observers_.find(observer);
+    if (found == observers_.end() || !found->second) return;
+    found->second = false;
+    if (!observer->Tell(MessageOf(AnythingMayHaveChanged()))) service_.Dismiss(observer);
 }
 
 } // namespace vellum

@@ -13,8 +13,9 @@
 
 namespace vellum {
 
-// Whoever posts waits while somebody is far behind. Somebody who takes nothing for a while is cut off then:
-// who comes again knows that something was missed.
+// Whoever posts is answered at once, whatever observers do. An observer that has no room misses what is
+// told meanwhile: it is told so when it has taken what waits, or is cut off when it takes nothing for a
+// while; who comes again knows that something was missed.
 class NotificationHub {
 public:
     // `listener` is a socket that listens under kNotificationHubName. `repeat` is called with each
@@ -22,29 +23,24 @@ public:
     using Repeat = std::function<void(const ValDictionary *notification)>;
     NotificationHub(EventLoop &loop, TDescriptor listener, uint64_t instance, Repeat repeat);
 
-    // Tells everybody who observes. `notification` is a dictionary from names to user infos.
+    // Tells everybody who observes. `notification` is a dictionary from names to user infos; where that is
+    // too long, they are told that anything may have changed.
     void Tell(const ValDictionary *notification);
 
 private:
-    struct Poster {
-        std::shared_ptr<Peer> peer;
-        MachHeader header;
-    };
+    using ObserverPeer = std::shared_ptr<Peer>;
 
     void Answer(const std::shared_ptr<Peer> &peer, const IncomingMessage &message);
     void Post(const std::shared_ptr<Peer> &peer, const MachHeader &header,
               std::span<const uint8_t> notification);
     void TellAll(const OutgoingMemory &notification);
-    bool IsAnybodyBehind() const noexcept;
-    void AnswerPosters();
-    void CutOffTheSlow(uint64_t until);
+    void LookAfter(const ObserverPeer &observer);
+    void TellWhatItMissed(const ObserverPeer &observer);
 
     EventLoop &loop_;
     const Repeat repeat_;
-    std::map<std::shared_ptr<Peer>, uint64_t> observers_; // with the number of the last that each has taken
-    std::vector<Poster> posters_;                         // who wait
-    uint64_t told_ = 0;                                   // how many notifications there were
-    MessageService service_;                              // the last: it calls into what stands above
+    std::map<ObserverPeer, bool> observers_; // with whether each has missed something
+    MessageService service_;                 // the last: it calls into what stands above
 };
 
 } // namespace vellum

@@ -4,11 +4,25 @@
 #include "platform/port/packet.hpp"
 #include "server/event_loop.hpp"
 
+#include <linux/sockios.h>
 #include <sys/epoll.h>
+#include <sys/ioctl.h>
 
 #include <new>
 
 namespace vellum {
+
+namespace {
+
+// Of what is not in the packet itself.
+size_t SizeInFiles(const OutgoingMessage &message) noexcept {
+    size_t size = 0;
+    for (const OutgoingMemory &memory : message.Memory())
+        if (memory.length > MemoryBlock::kLongestCopied) size += memory.length;
+    return size;
+}
+
+} // namespace
 
 void Peer::WaitUntilReplied() noexcept {
     if (!is_busy_ || !waiting_.empty()) return;
@@ -40,7 +54,22 @@ void Peer::Reply(const MessageRow *row, const MachHeader &request, const Outgoin
 }
 
 bool Peer::Tell(const std::shared_ptr<const OutgoingMessage> &message) noexcept {
-    return socket_.IsOpen() && Send({message, false});
+    if (!socket_.IsOpen() || !HasRoomFor(*message)) return false;
+    unread_bytes_ += SizeInFiles(*message);
+    return Send({message, false});
+}
+
+bool Peer::HasRoomFor(const OutgoingMessage &message) noexcept {
+    const size_t in_files = SizeInFiles(message);
+    if (waiting_.empty() && HowFar().unread == 0) unread_bytes_ = 0;
+    return waiting_.size() < kMostWaiting && waiting_bytes_ + message.MemorySize() <= kMostWaitingBytes &&
+           (in_files == 0 || unread_bytes_ + in_files <= kMostUnreadBytes);
+}
+
+Peer::Taking Peer::HowFar() const noexcept {
+    Taking taking = {sent_, 0};
+    if (::ioctl(Socket(), SIOCOUTQ, &taking.unread) != 0) taking.unread = 0;
+    return taking;
 }
 
 // False when the peer has lost its turn for good; who closes it is told by the loop, or looks after each
@@ -49,13 +78,12 @@ bool Peer::Send(Waiting message) noexcept {
     const PacketResult result = waiting_.empty() ? SendPacket(Socket(), instance_, *message.message, false)
                                                  : PacketResult::kWouldBlock;
     if (result == PacketResult::kDone) {
+        ++sent_;
         if (message.is_reply) ListenAgain();
         return true;
     }
     const size_t bytes = message.message->MemorySize();
-    const bool is_too_much = waiting_.size() >= kMostWaiting ||
-                             (!message.is_reply && waiting_bytes_ + bytes > kMostWaitingBytes);
-    if (result != PacketResult::kWouldBlock || is_too_much) { // no event tells of a system's want of memory
+    if (result != PacketResult::kWouldBlock) { // no event tells of a system's want of memory
         is_cut_off_ = true;
         return false;
     }
@@ -81,6 +109,7 @@ void Peer::SendWaiting() noexcept {
             is_cut_off_ = true;
             return;
         }
+        ++sent_;
         waiting_.pop_front();
         waiting_bytes_ -= next.message->MemorySize();
         if (next.is_reply) is_busy_ = false;

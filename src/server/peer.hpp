@@ -39,15 +39,26 @@ public:
     // Sends the reply to what was asked last, at once or when there is room. Nothing when the peer is gone.
     void Reply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) noexcept;
 
-    // Tells the peer something that it has not asked for, at once or when there is room. False when too
-    // much waits already: it does not listen.
+    // Tells the peer something that it has not asked for, at once or when there is room. False when the
+    // peer is lost, or there is no room for more.
     bool Tell(const std::shared_ptr<const OutgoingMessage> &message) noexcept;
 
-    // True while something waits for room, and while half of what may wait does.
+    // Whether something may be told: what waits here is bounded, and so is the memory of what the peer has
+    // not read yet.
+    bool HasRoomFor(const OutgoingMessage &message) noexcept;
+
+    // True while something waits for room here.
     bool HasWaiting() const noexcept { return !waiting_.empty(); }
-    bool IsBehind() const noexcept {
-        return waiting_.size() > kMostWaiting / 2 || waiting_bytes_ > kMostWaitingBytes / 2;
-    }
+
+    // How much has left for the peer, and how much of that it has not read. Whatever the peer takes moves
+    // one of them.
+    struct Taking {
+        uint64_t sent = 0; // messages
+        int unread = 0;    // by the system's count
+
+        bool operator==(const Taking &) const = default;
+    };
+    Taking HowFar() const noexcept;
 
     // Sends what waits for room.
     void SendWaiting() noexcept;
@@ -70,6 +81,9 @@ private:
     static constexpr size_t kMostWaiting = 1024;
     static constexpr size_t kMostWaitingBytes = size_t{8} << 20;
 
+    // What lies in files may be told and not be read by the peer: the system bounds the rest.
+    static constexpr size_t kMostUnreadBytes = size_t{8} << 20;
+
     bool Send(Waiting message) noexcept;
     void ListenAgain() noexcept;
 
@@ -82,6 +96,8 @@ private:
     bool is_cut_off_ = false;
     std::deque<Waiting> waiting_; // for room; while it is not empty, the loop watches for that alone
     size_t waiting_bytes_ = 0;
+    size_t unread_bytes_ = 0; // at most so much lies in files that the peer has not read
+    uint64_t sent_ = 0;
 };
 
 } // namespace vellum

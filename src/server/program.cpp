@@ -6,31 +6,31 @@
 #include "ipc/messages/notification_rows.hpp"
 #include "platform/fs/private_folder.hpp"
 #include "platform/log/log.hpp"
+#include "platform/port/doorbell.hpp"
 #include "platform/port/service_address.hpp"
-#include "platform/process/process.hpp"
 #include "platform/process/random.hpp"
+#include "server/background.hpp"
 #include "server/desktop_signals.hpp"
 #include "server/font_folders.hpp"
 #include "server/font_server.hpp"
 #include "server/message_service.hpp"
 #include "server/notification_hub.hpp"
 #include "server/readiness.hpp"
+#include "server/service_names.hpp"
 #include "server/state_folders.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
 #include "values/val_str.hpp"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/epoll.h>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/signalfd.h>
 
-#include <array>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -41,22 +41,19 @@ namespace {
 constexpr char kUsage[] =
     "Usage: vellum-fontserver [--foreground] [--help] [--version]\n"
     "\n"
-    "Holds the fonts that the programs of one user share: the system's, the user's own, and those that "
-    "were\n"
-    "registered for the user or for the session. Programs start to talk to it by themselves; it ends by\n"
-    "SIGTERM. What goes wrong is told to the system's log, and to standard error with --foreground.\n"
+    "Holds the fonts that the programs of one user share: the system's, the user's own, and those that\n"
+    "were registered for the user or for the session. Programs start to talk to it by themselves; it ends\n"
+    "by SIGTERM.\n"
     "\n"
-    "Example: vellum-fontserver --foreground\n";
+    "It goes to the background, and this command ends once it answers. It stays with --foreground, and\n"
+    "under a service manager. What goes wrong later is told to the system's log, and to standard error\n"
+    "with --foreground.\n"
+    "\n"
+    "Exit codes: 0 it answers, or one did already; 1 it could not start; 2 wrong usage.\n"
+    "\n"
+    "Example: vellum-fontserver\n";
 
-// The one server of this name holds this for as long as it lives.
-TDescriptor TakeLock(const std::string &folder, const std::string &name) {
-    const std::string path = folder + "/" + name + ".lock";
-    TDescriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lock.IsOpen()) throw std::runtime_error("cannot open " + path + ": " + std::strerror(errno));
-    if (::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0)
-        throw std::runtime_error("a font server of this name runs already");
-    return lock;
-}
+const std::string kProgram = "vellum-fontserver: ";
 
 // Each client thread has a descriptor here.
 void RaiseDescriptorLimit() noexcept {
@@ -72,13 +69,6 @@ uint64_t MakeInstance() {
     }
     if (instance == 0) throw std::runtime_error("the system has no random bytes to give");
     return instance;
-}
-
-TDescriptor Listen(const std::string &name) {
-    TDescriptor listener = ListenAsService(name.c_str());
-    if (!listener.IsOpen())
-        throw std::runtime_error("cannot listen as " + name + ": " + std::strerror(errno));
-    return listener;
 }
 
 // Tells every process of what happened in folders; who is told asks again, and so do their caches.
@@ -126,58 +116,89 @@ void PrintLog(void *, LogLevel, std::string_view text, std::span<const LogField>
     std::fprintf(stderr, "vellum-fontserver: %.*s\n", static_cast<int>(text.size()), text.data());
 }
 
-void Serve() {
-    const std::string folder = ServicesFolder(IfMissing::kMake), name = ServerName().Get();
+std::string FolderForServices() {
+    std::string folder = ServicesFolder(IfMissing::kMake);
     if (folder.empty())
         throw std::runtime_error("there is no folder for services that is this user's alone");
-    if (name.empty()) throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
-    const TDescriptor lock = TakeLock(folder, name);
+    if (!ServerName().IsValid())
+        throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
+    return folder;
+}
+
+// From the beginning on whoever comes is heard; the fonts are taken in meanwhile.
+void Serve(const StartReport &report) {
+    const std::string folder = FolderForServices();
+    const ServerName name, hub_name(kNotificationHubName);
+    const TDescriptor right = TakeRightToNames(folder);
     const TDescriptor signals = EndingSignals();
     RaiseDescriptorLimit();
 
-    StateDatabase user(UserStateFolder() + "/fonts.db"), session(folder + "/" + name + ".session.db");
+    StateDatabase user(UserStateFolder() + "/fonts.db");
+    StateDatabase session(folder + "/" + name.Get() + ".session.db");
     EventLoop loop;
-    const uint64_t instance = MakeInstance();
+    loop.Watch(signals.Get(), EPOLLIN, [&loop](uint32_t) { loop.Stop(); });
     DesktopSignals desktop;
-    NotificationHub hub(loop, Listen(ServerName(kNotificationHubName).Get()), instance,
+    TakenName hub_taken(hub_name);
+    NotificationHub hub(loop, hub_taken.Listener(), MakeInstance(),
                         [&desktop](const ValDictionary *notification) { Repeat(desktop, notification); });
     SharedRegister fonts(user, session);
     FontFolders folders(loop, fonts, [&hub](const FolderNews &news) { TellOfNews(hub, news); });
-    fonts.Load();
-    folders.Load(user.Load().directories);
-
     FontServer server(loop, fonts, folders);
+
+    std::optional<TakenName> taken;
     TDescriptor listener = InheritedListener();
-    if (!listener.IsOpen()) listener = Listen(name);
+    if (!listener.IsOpen()) listener = taken.emplace(name).Listener();
     const MessageService service(loop, std::move(listener), MakeInstance(), FontServer::kMostMemory,
                                  {[&](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
                                      server.Answer(peer, message);
                                  }});
-    loop.Watch(signals.Get(), EPOLLIN, [&loop](uint32_t) { loop.Stop(); });
-    SayThatItIsReady();
+    RingDoorbell(hub_name.Get());
+    loop.AddWork(fonts.Load());
+    loop.AddWork(folders.Load(user.Load().directories));
+    loop.AddWork([&] {
+        server.BeginToAnswer();
+        SayThatItIsReady();
+        report(EXIT_SUCCESS, "");
+        return false;
+    });
     loop.Run();
+}
+
+int Run(const StartReport &report) {
+    try {
+        Serve(report);
+        return EXIT_SUCCESS;
+    } catch (const ServerRunsAlready &already) {
+        report(EXIT_SUCCESS, kProgram + already.what());
+        return EXIT_SUCCESS;
+    } catch (const std::exception &problem) {
+        report(EXIT_FAILURE, kProgram + problem.what());
+        return EXIT_FAILURE;
+    }
 }
 
 } // namespace
 
 int RunFontServer(int count, char **arguments) {
+    bool stays = IsUnderServiceManager();
     for (int i = 1; i < count; ++i) {
         const std::string_view argument = arguments[i];
         if (argument == "--help") return std::fputs(kUsage, stdout) < 0;
         if (argument == "--version") return std::printf("vellum-fontserver %s\n", VELLUM_VERSION) < 0;
         if (argument == "--foreground") {
             SetLogSink({PrintLog, nullptr});
+            stays = true;
             continue;
         }
         std::fprintf(stderr, "vellum-fontserver: unknown argument '%s'; try --help\n", arguments[i]);
         return 2;
     }
+    if (stays) return Run(ReportHere);
     try {
-        Serve();
-        return 0;
+        return WorkInBackground(Run);
     } catch (const std::exception &problem) {
-        std::fprintf(stderr, "vellum-fontserver: %s\n", problem.what());
-        return 1;
+        ReportHere(EXIT_FAILURE, kProgram + problem.what());
+        return EXIT_FAILURE;
     }
 }
 

@@ -27,13 +27,19 @@ bool IsListener(int descriptor) noexcept {
     return ::getsockopt(descriptor, SOL_SOCKET, SO_ACCEPTCONN, &listens, &size) == 0 && listens;
 }
 
+bool HasInherited() noexcept {
+    const char *process = GetEnvironment("LISTEN_PID"), *count = GetEnvironment("LISTEN_FDS");
+    return process && count && std::atol(process) == ::getpid() && std::atoi(count) == 1;
+}
+
 } // namespace
 
+bool IsUnderServiceManager() noexcept {
+    return GetEnvironment("NOTIFY_SOCKET") || HasInherited();
+}
+
 TDescriptor InheritedListener() noexcept {
-    const char *process = GetEnvironment("LISTEN_PID"), *count = GetEnvironment("LISTEN_FDS");
-    if (!process || !count || std::atol(process) != ::getpid() || std::atoi(count) != 1)
-        return TDescriptor();
-    if (!IsListener(kFirstInherited)) return TDescriptor();
+    if (!HasInherited() || !IsListener(kFirstInherited)) return TDescriptor();
     ::fcntl(kFirstInherited, F_SETFD, FD_CLOEXEC);
     ::fcntl(kFirstInherited, F_SETFL, ::fcntl(kFirstInherited, F_GETFL) | O_NONBLOCK);
     return TDescriptor(kFirstInherited);

@@ -6,6 +6,9 @@
 
 namespace vellum {
 
+// Whether a service manager has started this process and looks after it.
+bool IsUnderServiceManager() noexcept;
+
 // The listening socket that the service manager has made and handed down; closed when there is none.
 TDescriptor InheritedListener() noexcept;
 

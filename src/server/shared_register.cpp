@@ -6,6 +6,9 @@
 #include "values/val_array.hpp"
 #include "values/val_url.hpp"
 
+#include <deque>
+#include <utility>
+
 namespace vellum {
 
 namespace {
@@ -48,25 +51,30 @@ std::vector<std::string> TextsOf(const ValArray *urls) {
 } // namespace
 
 // What is disabled must be known before the first file comes.
-void SharedRegister::Load() {
-    const SavedState for_user = user_.database.Load(), for_session = session_.database.Load();
+std::function<bool()> SharedRegister::Load() {
+    SavedState for_user = user_.database.Load(), for_session = session_.database.Load();
     for (const std::string &text : for_user.disabled)
         disabled_[PathOfText(text)].emplace(text, Lasting::kForUser);
     for (const std::string &text : for_session.disabled)
         disabled_[PathOfText(text)].emplace(text, Lasting::kForSession);
-    LoadFiles(for_user.files, Lasting::kForUser);
-    LoadFiles(for_session.files, Lasting::kForSession);
+    std::deque<std::pair<SavedFile, Lasting>> files;
+    for (SavedFile &row : for_user.files) files.emplace_back(std::move(row), Lasting::kForUser);
+    for (SavedFile &row : for_session.files) files.emplace_back(std::move(row), Lasting::kForSession);
+    return [this, files = std::move(files)]() mutable {
+        if (files.empty()) return false;
+        LoadFile(files.front().first, files.front().second);
+        files.pop_front();
+        return true;
+    };
 }
 
-void SharedRegister::LoadFiles(const std::vector<SavedFile> &saved, Lasting lasting) {
-    for (const SavedFile &row : saved) {
-        File &file = files_[row.path];
-        const bool is_there = file.IsWanted();
-        (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
-        file.flags = row.flags;
-        file.spelled = row.path;
-        if (!is_there) Add(row.path, row.flags); // a file that cannot be read just now may come back
-    }
+void SharedRegister::LoadFile(const SavedFile &row, Lasting lasting) {
+    File &file = files_[row.path];
+    const bool is_there = file.IsWanted();
+    (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
+    file.flags = row.flags;
+    file.spelled = row.path;
+    if (!is_there) Add(row.path, row.flags); // a file that cannot be read just now may come back
 }
 
 bool SharedRegister::Add(const std::string &path, VLFontFlags flags) {

@@ -33,9 +33,9 @@ public:
 
     const TLocalGlypharyImp &Fonts() const noexcept { return fonts_; }
 
-    // Registers what was saved, and disables what was, then and when it comes. Before the first change.
-    // Throws std::runtime_error.
-    void Load();
+    // Registers what was saved, and disables what was, then and when it comes: a file with each call of the
+    // result, which is true while there are more. Before the first change. Throws std::runtime_error.
+    std::function<bool()> Load();
 
     // ---- changes of one font; Save makes them last ----
     // A file that is registered for as long already is refused, and so is what is no font.
@@ -97,7 +97,7 @@ private:
     };
 
     Saved &For(Lasting lasting) noexcept { return lasting == Lasting::kForUser ? user_ : session_; }
-    void LoadFiles(const std::vector<SavedFile> &saved, Lasting lasting);
+    void LoadFile(const SavedFile &row, Lasting lasting);
     bool Add(const std::string &path, VLFontFlags flags);
     void TakeOut(const std::string &path);
     void DisableAgain(const std::string &path);

@@ -10,9 +10,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,8 +27,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How long a server may take to begin, or to end.
+// How long a server may take to end.
 constexpr int kPatience = 30'000; // milliseconds
+
+// How the child ends that has found no server's program.
+constexpr int kCannotRun = 127;
 
 // Beside the tool where it was installed, or where it was built; else wherever programs are looked for.
 std::string ServerProgram() {
@@ -55,29 +56,15 @@ private:
     const int descriptor_;
 };
 
-// A socket on which a server says that it is ready, under a name that no file has.
-int ListenForReadiness(std::string &name) {
-    sockaddr_un address = {AF_UNIX, {}};
-    const int socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    socklen_t size = sizeof(sa_family_t); // the system chooses the name
-    if (::bind(socket, reinterpret_cast<const sockaddr *>(&address), size) != 0) return socket;
-    size = sizeof address;
-    ::getsockname(socket, reinterpret_cast<sockaddr *>(&address), &size);
-    name.assign(address.sun_path + 1, size - sizeof(sa_family_t) - 1);
-    name.insert(name.begin(), '@');
-    return socket;
-}
-
-// The child of this process that becomes the server, away from the terminal.
-pid_t Spawn(const std::string &program, const std::string &ready) {
+// The child of this process that becomes the command which starts the server; it returns when that answers.
+pid_t Spawn(const std::string &program) {
     const pid_t process = ::fork();
     if (process != 0) return process;
-    ::setsid();
-    ::setenv("NOTIFY_SOCKET", ready.c_str(), 1);
+    ::unsetenv("NOTIFY_SOCKET"); // whoever looks after this run has not asked for the server
     const int nothing = ::open("/dev/null", O_RDWR);
-    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::dup2(nothing, standard);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO}) ::dup2(nothing, standard);
     ::execlp(program.c_str(), program.c_str(), static_cast<char *>(nullptr));
-    ::_exit(127);
+    ::_exit(kCannotRun);
 }
 
 int Problem(const std::string &what) {
@@ -90,17 +77,31 @@ int Start() {
         std::cout << "the font server runs already, as process " << process << '\n';
         return kDone;
     }
-    std::string name;
-    const Descriptor ready(ListenForReadiness(name));
     const std::string program = ServerProgram();
-    const pid_t process = Spawn(program, name);
-    if (process < 0) return Problem(std::string("no process can be started: ") + std::strerror(errno));
-    const Descriptor end(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
-    pollfd events[] = {{ready.Get(), POLLIN, 0}, {end.Get(), POLLIN, 0}};
-    ::poll(events, 2, kPatience);
-    if (!(events[0].revents & POLLIN)) return Problem(program + " did not start; try 'vellum server run'");
+    const pid_t starter = Spawn(program);
+    if (starter < 0) return Problem(std::string("no process can be started: ") + std::strerror(errno));
+    int status = -1;
+    while (::waitpid(starter, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kCannotRun)
+        return Problem(program + " cannot be run; is it installed?");
+    const int32_t process = VLGetFontServerProcess();
+    if (status != 0 || process == 0)
+        return Problem("the font server did not start; try 'vellum server run'");
     std::cout << "the font server runs, as process " << process << '\n';
     return kDone;
+}
+
+// True once the process is gone. Where the system has no way to be told, it is looked for.
+bool WaitForEnd(int32_t process, const Descriptor &end) {
+    pollfd event = {end.Get(), POLLIN, 0};
+    if (end.Get() >= 0) return ::poll(&event, 1, kPatience) == 1;
+    constexpr int kPause = 10; // milliseconds
+    for (int waited = 0; ::kill(process, 0) == 0; waited += kPause) {
+        if (waited >= kPatience) return false;
+        ::poll(nullptr, 0, kPause);
+    }
+    return true;
 }
 
 int Stop() {
@@ -110,11 +111,10 @@ int Stop() {
         return kDone;
     }
     const Descriptor end(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
-    if (::kill(process, SIGTERM) != 0)
+    if (::kill(process, SIGTERM) != 0 && errno != ESRCH)
         return Problem("process " + std::to_string(process) +
                        " cannot be stopped: " + std::strerror(errno));
-    pollfd event = {end.Get(), POLLIN, 0};
-    if (end.Get() >= 0 && ::poll(&event, 1, kPatience) == 0)
+    if (!WaitForEnd(process, end))
         return Problem("process " + std::to_string(process) + " does not end; try 'kill -9 " +
                        std::to_string(process) + "', which loses nothing that was acknowledged");
     std::cout << "the font server has ended\n";

@@ -16,9 +16,6 @@
 
 namespace vellum::test {
 
-namespace {
-
-// Where the server says that it is ready.
 int ListenForReadiness(const std::string &path) {
     sockaddr_un address = {AF_UNIX, {}};
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
@@ -27,8 +24,6 @@ int ListenForReadiness(const std::string &path) {
     if (::bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) std::abort();
     return socket;
 }
-
-} // namespace
 
 const std::string &RunningServer::SystemFolder() {
     static const std::string folder = "usr/share/fonts";
@@ -44,7 +39,10 @@ RunningServer::RunningServer() {
     ::setenv("XDG_DATA_HOME", home_.File("data").c_str(), 1);
     ::setenv("HOME", home_.Path().c_str(), 1);
     ::setenv("VELLUM_FONTS_ROOT", root_.Path().c_str(), 1);
-    ::unsetenv("VELLUM_IGNORE_SERVER");
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", "none:", 1); // no address of a bus
+    for (const char *variable : {"VELLUM_IGNORE_SERVER", "VL_SERVICE_NAME_SUFFIX", "NOTIFY_SOCKET",
+                                 "LISTEN_PID", "LISTEN_FDS", "DBUS_STARTER_ADDRESS"})
+        ::unsetenv(variable);
 }
 
 RunningServer::~RunningServer() {

@@ -10,6 +10,9 @@
 
 namespace vellum::test {
 
+// A socket of that path on which a server says that it is ready.
+int ListenForReadiness(const std::string &path);
+
 // Points this process at folders of its own, too, so that it meets this server and no other. To be made
 // before the library is asked for anything.
 class RunningServer {

@@ -3,6 +3,10 @@
 
 #include "platform/port/ports.hpp"
 
+#include <time.h>
+
+#include <atomic>
+#include <chrono>
 #include <utility>
 
 namespace vellum {
@@ -44,8 +48,8 @@ MachCode Read(const MessageRow &row, PortName reply_port, const IncomingMessage 
     return code;
 }
 
-MachCode Send(MessageID id, PortName server, Arguments arguments, IncomingMessage &message,
-              ReceivedReply &reply) {
+MachCode SendOnce(MessageID id, PortName server, Arguments arguments, IncomingMessage &message,
+                  ReceivedReply &reply) {
     const MessageRow &row = *FindMessageRow(id);
     const PortName reply_port = mig_get_reply_port();
     const OutgoingMessage request = WriteRequest(row, server, reply_port, arguments);
@@ -53,6 +57,34 @@ MachCode Send(MessageID id, PortName server, Arguments arguments, IncomingMessag
     const MachCode code = request.IsWhole() ? mach_msg(request, message, patience) : kMachSendInvalidData;
     if (code == kMachSuccess) return Read(row, reply_port, message, reply);
     if (!KeepsReplyPort(code)) mig_dealloc_reply_port(reply_port);
+    return code;
+}
+
+using Clock = std::chrono::steady_clock;
+
+// How long this process asks a server again that keeps saying that it cannot answer yet: it is reading all
+// fonts, perhaps from a slow disk.
+constexpr std::chrono::seconds kStartPatience(60);
+constinit std::atomic<Clock::rep> sStartEnds{0}; // by that clock; 0 while there are answers
+
+// True as long as the server may still be starting. A pause keeps a false one from being asked without end.
+bool MayAskAgain() noexcept {
+    const Clock::rep now = Clock::now().time_since_epoch().count();
+    Clock::rep end = 0;
+    const Clock::rep latest = now + Clock::duration(kStartPatience).count();
+    if (sStartEnds.compare_exchange_strong(end, latest, std::memory_order_relaxed)) end = latest;
+    const timespec pause = {0, 1'000'000};
+    ::nanosleep(&pause, nullptr);
+    return now < end;
+}
+
+MachCode Send(MessageID id, PortName server, Arguments arguments, IncomingMessage &message,
+              ReceivedReply &reply) {
+    MachCode code;
+    do code = SendOnce(id, server, arguments, message, reply);
+    while (code == kMachAskAgain && MayAskAgain());
+    if (code != kMachAskAgain && sStartEnds.load(std::memory_order_relaxed) != 0)
+        sStartEnds.store(0, std::memory_order_relaxed);
     return code;
 }
 

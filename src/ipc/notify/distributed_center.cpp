@@ -5,6 +5,7 @@
 #include "ipc/messages/message_codec.hpp"
 #include "ipc/messages/notification_rows.hpp"
 #include "ipc/session/session_manager.hpp"
+#include "platform/port/doorbell.hpp"
 #include "platform/port/packet.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
@@ -24,13 +25,13 @@ namespace vellum {
 namespace {
 
 // How long the receiving thread waits before it looks for a hub again that has gone: longer each time that
-// none tells anything.
-constexpr std::chrono::milliseconds kShortestWait(100), kLongestWait(30'000);
+// none tells anything. Where a hub rings when it comes, nobody need look for it often.
+constexpr std::chrono::milliseconds kShortestWait(100), kLongestWait(30'000), kLongestWaitForBell(600'000);
 
 // What the receiving thread needs of a stack; it calls observers, who only leave word for the main loop.
 constexpr size_t kStackSize = size_t{256} << 10;
 
-// How long a hub may take to take an observer in; the thread that adds the first one waits for it.
+// How long a hub may take to take an observer in, or what is posted; somebody waits for it.
 constexpr long kHubPatience = 1; // seconds
 
 // What a notification may bring.
@@ -62,15 +63,23 @@ TDescriptor Observe() noexcept {
     return is_heard ? std::move(socket) : TDescriptor();
 }
 
-// True once the hub has told everybody.
+// Whether what was sent, with this code, has not come to the hub.
+bool IsNotSent(MachCode code) noexcept {
+    return code == kMachSendInvalidData || code == kMachSendInvalidDestination ||
+           code == kMachSendTimedOut || code == kMachSendNoBuffer || code == kMachSendInvalidHeader;
+}
+
+// False when nobody is told: there is no hub, or it says so, or has died over it. A hub that is slow to
+// answer tells all the same.
 bool SendToHub(const OutgoingMemory &notification) {
     PortName hub = kPortNull;
     if (bootstrap_look_up(HubName().data(), hub) != kMachSuccess) return false;
     const OutgoingMessage request = WriteRequest(kPostRow, hub, mig_get_reply_port(), {notification});
     IncomingMessage message;
     ReceivedReply reply;
+    const MachCode code = mach_msg(request, message, kHubPatience);
     const bool is_told =
-        mach_msg(request, message) == kMachSuccess && ReadReply(kPostRow, message, reply) == kMachSuccess;
+        code == kMachSuccess ? ReadReply(kPostRow, message, reply) == kMachSuccess : !IsNotSent(code);
     mach_port_deallocate(hub);
     return is_told;
 }
@@ -79,6 +88,16 @@ void Sleep(std::chrono::milliseconds time) noexcept {
     timespec left = {time.count() / 1000, time.count() % 1000 * 1'000'000};
     while (::nanosleep(&left, &left) != 0) {
     }
+}
+
+// Waits before a hub is looked for again, and says how long the next time. The pause is for one that rings
+// and does not stay.
+std::chrono::milliseconds WaitForHub(Doorbell &bell, std::chrono::milliseconds wait) noexcept {
+    Sleep(kShortestWait);
+    const bool has_come = bell.Wait(wait - kShortestWait);
+    if (has_come) return kShortestWait;
+    if (!bell.IsOpen()) Sleep(wait - kShortestWait);
+    return std::min(4 * wait, bell.IsOpen() ? kLongestWaitForBell : kLongestWait);
 }
 
 } // namespace
@@ -135,10 +154,10 @@ void DistributedCenter::ReceiveForEver(TDescriptor socket) noexcept {
     PacketReceiver receiver(kMostReceived);
     for (auto wait = kShortestWait;;) {
         while (socket.IsOpen() && ReceiveOne(receiver, socket.Get())) wait = kShortestWait;
-        do {
-            Sleep(wait);
-            wait = std::min(2 * wait, kLongestWait);
-        } while (!(socket = Observe()).IsOpen());
+        socket = TDescriptor();
+        Doorbell bell(HubName().data()); // from now on no hub comes unheard
+        do wait = WaitForHub(bell, wait);
+        while (!(socket = Observe()).IsOpen());
         TellOfGap();
     }
 }
@@ -154,6 +173,7 @@ bool DistributedCenter::ReceiveOne(PacketReceiver &receiver, int socket) noexcep
         return false;
     try {
         const TValDict notification(Resurrected<ValDictionary>(arguments[0].memory));
+        if (ValDictionaryGetCount(notification.Get()) == 0) TellOfGap();
         for (const auto &[name, user_info] : notification)
             if (Cast<ValString>(name))
                 observers_.Post(Cast<ValString>(name), Cast<ValDictionary>(user_info));
@@ -170,7 +190,9 @@ void DistributedCenter::TellOfGap() noexcept {
 void DistributedCenter::Post(const ValString *name, const ValDictionary *user_info) {
     TValMutableDict notification;
     notification.Set(name, user_info);
-    const auto memory = Flattened(notification.Get());
+    auto memory = Flattened(notification.Get());
+    if (memory && memory->length > kLongestNotification)
+        memory = Flattened(TValMutableDict().Publish().Get());
     if (!memory || !SendToHub(*memory)) observers_.Post(name, user_info);
 }
 

@@ -25,7 +25,8 @@ public:
     void AddObserver(void *observer, NotificationCallback callback, const ValString *name);
     void RemoveObserver(void *observer) noexcept { observers_.RemoveObserver(observer); }
 
-    // Tells everybody. Throws std::bad_alloc before anybody is told.
+    // Tells everybody; where the list of fonts is too long, that anything may have changed. Throws
+    // std::bad_alloc before anybody is told.
     void Post(const ValString *name, const ValDictionary *user_info);
 
     // Has a process that was forked receive for itself: the thread that did is its parent's.

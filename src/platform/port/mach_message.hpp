@@ -73,6 +73,7 @@ constexpr MachCode kMachBadArguments = static_cast<MachCode>(-304);
 constexpr MachCode kMachServerDied = static_cast<MachCode>(-308);
 constexpr MachCode kMachNoMemory = 3;
 constexpr MachCode kMachInvalidArgument = 4;
+constexpr MachCode kMachAskAgain = 14; // the service is there, and cannot answer yet
 constexpr MachCode kBootstrapUnknownService = 1102;
 
 // The id of the message that a waiting sender gets when nobody is left who could reply.

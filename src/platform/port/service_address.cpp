@@ -118,6 +118,17 @@ void UnlinkService(const char *name) noexcept {
     if (address.IsValid()) ::unlink(address.Path());
 }
 
+ServiceFile FindServiceFile(const char *name) noexcept {
+    const Address address(FolderOrNone(IfMissing::kLeave), name);
+    struct stat status;
+    if (!address.IsValid() || ::lstat(address.Path(), &status) != 0) return {};
+    return {status.st_dev, status.st_ino};
+}
+
+void UnlinkService(const char *name, const ServiceFile &file) noexcept {
+    if (file != ServiceFile() && FindServiceFile(name) == file) UnlinkService(name);
+}
+
 TDescriptor AcceptFromOwnUser(int listener, pid_t *process) noexcept {
     TDescriptor socket(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
     if (!socket.IsOpen()) return socket;

@@ -36,6 +36,18 @@ TDescriptor ListenAsService(const char *name) noexcept;
 // Takes a service's name back, whoever has it now.
 void UnlinkService(const char *name) noexcept;
 
+// The file of a service's socket, by which it is known again. Of no file when there is none.
+struct ServiceFile {
+    dev_t device = 0;
+    ino_t number = 0;
+
+    bool operator==(const ServiceFile &) const = default;
+};
+ServiceFile FindServiceFile(const char *name) noexcept;
+
+// Takes a service's name back if the socket there is still that one.
+void UnlinkService(const char *name, const ServiceFile &file) noexcept;
+
 // Takes in the next who connects to a listening socket, in a socket that does not wait. Closed when nobody
 // is there, or one who is another user's; errno says which. `process` gets the id of who it is.
 TDescriptor AcceptFromOwnUser(int listener, pid_t *process = nullptr) noexcept;
