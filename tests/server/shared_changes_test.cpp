@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What processes hear of each other's changes of the shared register, by way of the font server's hub.
 #include "frame/registry/generation_seed.hpp"
+#include "ipc/messages/notification_rows.hpp"
+#include "ipc/notify/change_notifications.hpp"
+#include "platform/port/service_address.hpp"
 #include "running_server.hpp"
 #include "support/captured_log.hpp"
 #include "support/heard_changes.hpp"
@@ -10,9 +13,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 
@@ -100,6 +105,53 @@ TEST_F(SharedChanges, ThatMayHaveBeenMissedAreToldAsAnArrayWithoutAny) {
     CapturedLog log;
     ASSERT_TRUE(server.Start());
     EXPECT_THAT(Next(), ElementsAre(Added({})));
+}
+
+// Who has been without a hub for a while looks for one rarely.
+TEST_F(SharedChanges, ThatMayHaveBeenMissedAreToldAsSoonAsAServerIsThereAgain) {
+    server.Kill();
+    CapturedLog log;
+    {
+        const TDescriptor hub = ListenAsService(kNotificationHubName);
+        for (int i = 0; i < 3; ++i) { // the next time is some seconds off
+            pollfd somebody = {hub.Get(), POLLIN, 0};
+            ASSERT_EQ(::poll(&somebody, 1, -1), 1);
+            AcceptFromOwnUser(hub.Get());
+        }
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(server.Start());
+    EXPECT_THAT(Next(), ElementsAre(Added({})));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+}
+
+TEST_F(SharedChanges, ThatAreTooLongToTellAreToldAsAnArrayWithoutAny) {
+    const uint32_t before = TGenerationSeed::GetGeneration();
+    std::vector<Ref<const ValURL>> fonts;
+    for (int i = 0; i < 2000; ++i)
+        fonts.push_back(MakeURL("file:///" + std::string(1500, 'x') + std::to_string(i)));
+    PostNotification(kVLScopeUser, kAvailableFontURLsAddedKey, Array(fonts).Get());
+    EXPECT_THAT(Next(), ElementsAre(Added({})));
+    EXPECT_EQ(TGenerationSeed::GetGeneration(), before + 1);
+}
+
+// A hub that has it will tell it; it must not be heard twice.
+TEST_F(SharedChanges, AreHeardOnceByTheProcessThatMadeThemThoughTheHubIsSlowToAnswer) {
+    const auto url = folder.Add("a.ttf", MakeFont({"A"}));
+    ::kill(server.Process(), SIGSTOP);
+    PostNotification(kVLScopeUser, kAvailableFontURLsAddedKey, Array({url}).Get());
+    ::kill(server.Process(), SIGCONT);
+    EXPECT_THAT(Next(), ElementsAre(Added({TextOf(ValURLGetString(url.Get()))})));
+    ASSERT_TRUE(InAnotherProcess([&] { return VLRegisterFont(url.Get(), 0, kVLScopeUser); }));
+    EXPECT_THAT(Next(), ElementsAre(Added({TextOf(ValURLGetString(url.Get()))}))); // and nothing before
+}
+
+TEST_F(SharedChanges, AreHeardByTheProcessThatMadeThemWhereNoHubIs) {
+    const auto url = folder.Add("a.ttf", MakeFont({"A"}));
+    server.Stop();
+    CapturedLog log;
+    PostNotification(kVLScopeUser, kAvailableFontURLsAddedKey, Array({url}).Get());
+    EXPECT_THAT(Next(), ElementsAre(Added({TextOf(ValURLGetString(url.Get()))})));
 }
 
 } // namespace
