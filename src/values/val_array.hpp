@@ -76,4 +76,9 @@ private:
     vellum::Ref<ValArray> array_;
 };
 
+// An array of nothing else. Throws std::bad_alloc.
+inline Ref<const ValArray> OneElement(const void *item) {
+    return OrBadAlloc(Adopt(ValArrayCreate(&item, 1)));
+}
+
 } // namespace vellum

@@ -162,11 +162,6 @@ bool ChangeFiles(const ValArray *urls, const ValArray **errors, Change change) {
     return changed;
 }
 
-Ref<const ValArray> OneElement(const ValURL *url) {
-    const void *const item = url;
-    return Adopt(ValArrayCreate(&item, 1));
-}
-
 const ValString *KeyFor(bool enables) noexcept {
     return enables ? kAvailableFontURLsAddedKey : kAvailableFontURLsRemovedKey;
 }
@@ -212,7 +207,7 @@ bool VLRegisterFonts(const ValArray *urls, VLFontFlags flags, VLScope scope,
 }
 
 bool VLRegisterFont(const ValURL *url, VLFontFlags flags, VLScope scope) noexcept {
-    return url && VLRegisterFonts(OneElement(url).Get(), flags, scope, nullptr);
+    return url && Guard([&] { return VLRegisterFonts(OneElement(url).Get(), flags, scope, nullptr); });
 }
 
 bool VLUnregisterFonts(const ValArray *urls, uint32_t, VLScope scope, const ValArray **errors) noexcept {
@@ -222,7 +217,7 @@ bool VLUnregisterFonts(const ValArray *urls, uint32_t, VLScope scope, const ValA
 }
 
 bool VLUnregisterFont(const ValURL *url, uint32_t reserved, VLScope scope) noexcept {
-    return url && VLUnregisterFonts(OneElement(url).Get(), reserved, scope, nullptr);
+    return url && Guard([&] { return VLUnregisterFonts(OneElement(url).Get(), reserved, scope, nullptr); });
 }
 
 void VLEnableFonts(const ValArray *urls, VLFontFlags flags, VLScope scope) noexcept {

@@ -117,10 +117,21 @@ private:
     Ref<const ValArray> AskForFonts(const char *operation, const ValDictionary *request) const;
     Ref<const void> AskForProperty(const ValURL *url, const ValString *key) const;
 
-    // Changes of many, by `send(port, memory, batch)`. The fonts in the reply go to `fonts`.
+    // What the server made of a change of many fonts; nothing of one that it has not heard of.
+    struct ChangedFonts {
+        bool is_heard = false;
+        bool is_done = false;
+        Ref<const ValArray> fonts; // as the message has it: those that failed, or that changed
+    };
+
+    // Changes many fonts by `send(port, memory, scope, batch)`.
     template <class Send>
-    bool ChangeFonts(const char *operation, const void *value, Send send, Ref<const ValArray> &fonts,
-                     uint32_t &result) const;
+    ChangedFonts ChangeFonts(const char *operation, const void *value, VLScope scope, Send send) const;
+
+    // Changes one font or folder by `send(port, url, result)`. True when the server says that it is done;
+    // false, with nothing sent, for a URL that does not fit.
+    template <class Send>
+    bool ChangeOne(const char *operation, const ValURL *url, Send send) const;
 
     mutable std::atomic<PortName> server_{kPortNull};
     mutable std::atomic<uint32_t> forks_{0}; // that server_ has seen

@@ -36,11 +36,6 @@ Registration Read(const ValArray *urls) {
     return registration;
 }
 
-Ref<const ValArray> OneElement(const ValURL *url) {
-    const void *const item = url;
-    return OrBadAlloc(Adopt(ValArrayCreate(&item, 1)));
-}
-
 void HandOut(ErrorArray errors, Ref<const ValArray> failed) {
     if (errors) *errors = std::move(failed);
 }
@@ -48,16 +43,24 @@ void HandOut(ErrorArray errors, Ref<const ValArray> failed) {
 } // namespace
 
 template <class Send>
-bool TGlobalGlypharyImp::ChangeFonts(const char *operation, const void *value, Send send,
-                                     Ref<const ValArray> &fonts, uint32_t &result) const {
+TGlobalGlypharyImp::ChangedFonts TGlobalGlypharyImp::ChangeFonts(const char *operation, const void *value,
+                                                                 VLScope scope, Send send) const {
     const auto memory = Flattened(value);
     BatchReply reply;
-    const bool is_done =
-        memory && Converse(operation, [&](PortName port) { return send(port, *memory, reply); });
-    if (!NoteChange(is_done)) return false;
-    fonts = Resurrected<ValArray>(reply.failed.bytes);
-    result = reply.result;
-    return true;
+    const bool is_heard = memory && Converse(operation, [&](PortName port) {
+                              return send(port, *memory, scope & kScopeOnTheWire, reply);
+                          });
+    if (!NoteChange(is_heard)) return {};
+    return {true, reply.result != 0, Resurrected<ValArray>(reply.failed.bytes)};
+}
+
+template <class Send>
+bool TGlobalGlypharyImp::ChangeOne(const char *operation, const ValURL *url, Send send) const {
+    const auto text = TextOnTheWire(url);
+    uint32_t result = 0;
+    return text &&
+           NoteChange(Converse(operation, [&](PortName port) { return send(port, *text, result); })) &&
+           result != 0;
 }
 
 bool TGlobalGlypharyImp::RegisterFonts(const ValArray *urls, const ValDictionary *properties,
@@ -70,20 +73,17 @@ bool TGlobalGlypharyImp::RegisterFonts(const ValArray *urls, const ValDictionary
             return false;
         }
     }
-    Ref<const ValArray> failed;
-    uint32_t result = 0;
-    const bool is_done = ChangeFonts(
-        "RegisterFonts", properties ? properties : read.fonts.Get(),
-        [&](PortName port, const OutgoingMemory &memory, BatchReply &reply) {
-            return VLSendRegisterFonts(port, memory, scope & kScopeOnTheWire, flags, reply);
-        },
-        failed, result);
-    if (is_done && !read.unreadable.IsEmpty()) {
-        read.unreadable.AppendArray(failed.Get());
-        failed = Retain<const ValArray>(read.unreadable.Get());
+    ChangedFonts changed = ChangeFonts(
+        "RegisterFonts", properties ? properties : read.fonts.Get(), scope,
+        [flags](PortName port, const OutgoingMemory &memory, uint32_t sent_scope, BatchReply &reply) {
+            return VLSendRegisterFonts(port, memory, sent_scope, flags, reply);
+        });
+    if (changed.is_heard && !read.unreadable.IsEmpty()) {
+        read.unreadable.AppendArray(changed.fonts.Get());
+        changed.fonts = Retain<const ValArray>(read.unreadable.Get());
     }
-    HandOut(errors, std::move(failed));
-    return is_done && result != 0 && read.unreadable.IsEmpty();
+    HandOut(errors, std::move(changed.fonts));
+    return changed.is_done && read.unreadable.IsEmpty();
 }
 
 bool TGlobalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *properties, VLFontFlags flags,
@@ -95,16 +95,9 @@ bool TGlobalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *pr
 }
 
 bool TGlobalGlypharyImp::UnregisterFonts(const ValArray *urls, VLScope scope, ErrorArray errors) const {
-    Ref<const ValArray> failed;
-    uint32_t result = 0;
-    ChangeFonts(
-        "UnregisterFonts", urls,
-        [&](PortName port, const OutgoingMemory &memory, BatchReply &reply) {
-            return VLSendUnregisterFonts(port, memory, scope & kScopeOnTheWire, reply);
-        },
-        failed, result);
-    HandOut(errors, std::move(failed));
-    return result != 0;
+    ChangedFonts changed = ChangeFonts("UnregisterFonts", urls, scope, VLSendUnregisterFonts);
+    HandOut(errors, std::move(changed.fonts));
+    return changed.is_done;
 }
 
 bool TGlobalGlypharyImp::UnregisterFont(const ValURL *url, VLScope scope) const {
@@ -112,72 +105,37 @@ bool TGlobalGlypharyImp::UnregisterFont(const ValURL *url, VLScope scope) const 
 }
 
 Ref<const ValArray> TGlobalGlypharyImp::EnableFonts(const ValArray *urls, VLScope scope) const {
-    Ref<const ValArray> enabled;
-    uint32_t result = 0;
-    ChangeFonts(
-        "EnableFonts", urls,
-        [&](PortName port, const OutgoingMemory &memory, BatchReply &reply) {
-            return VLSendEnableFonts(port, memory, scope & kScopeOnTheWire, reply);
-        },
-        enabled, result);
-    return enabled;
+    return ChangeFonts("EnableFonts", urls, scope, VLSendEnableFonts).fonts;
 }
 
 Ref<const ValArray> TGlobalGlypharyImp::DisableFonts(const ValArray *urls, VLScope scope) const {
-    Ref<const ValArray> disabled;
-    uint32_t result = 0;
-    ChangeFonts(
-        "DisableFonts", urls,
-        [&](PortName port, const OutgoingMemory &memory, BatchReply &reply) {
-            return VLSendDisableFonts(port, memory, scope & kScopeOnTheWire, reply);
-        },
-        disabled, result);
-    return disabled;
+    return ChangeFonts("DisableFonts", urls, scope, VLSendDisableFonts).fonts;
 }
 
 bool TGlobalGlypharyImp::EnableFont(const ValURL *url, VLScope) const {
-    const auto text = TextOnTheWire(url);
-    uint32_t result = 0;
-    return text &&
-           NoteChange(Converse("EnableFont",
-                               [&](PortName port) { return VLSendEnableFont(port, *text, result); })) &&
-           result != 0;
+    return ChangeOne("EnableFont", url, VLSendEnableFont);
 }
 
 bool TGlobalGlypharyImp::DisableFont(const ValURL *url, VLScope) const {
-    const auto text = TextOnTheWire(url);
-    uint32_t result = 0;
-    return text &&
-           NoteChange(Converse("DisableFont",
-                               [&](PortName port) { return VLSendDisableFont(port, *text, result); })) &&
-           result != 0;
+    return ChangeOne("DisableFont", url, VLSendDisableFont);
 }
 
 bool TGlobalGlypharyImp::RegisterFontDirectory(const ValURL *directory, const ValData *bookmark,
                                                uint32_t flags, uint32_t options, VLScope scope,
                                                bool) const {
-    const auto text = TextOnTheWire(directory);
     const auto memory = Flattened(bookmark);
-    uint32_t result = 0;
-    return text && memory &&
-           NoteChange(Converse("RegisterFontDirectory",
-                               [&](PortName port) {
-                                   return VLSendRegisterFontDirectory(port, *text, *memory, flags, options,
+    return memory && ChangeOne("RegisterFontDirectory", directory,
+                               [&](PortName port, std::string_view url, uint32_t &result) {
+                                   return VLSendRegisterFontDirectory(port, url, *memory, flags, options,
                                                                       scope & kScopeOnTheWire, result);
-                               })) &&
-           result != 0;
+                               });
 }
 
 bool TGlobalGlypharyImp::UnregisterFontDirectory(const ValURL *directory, VLScope scope) const {
-    const auto text = TextOnTheWire(directory);
-    uint32_t result = 0;
-    return text &&
-           NoteChange(Converse("UnregisterFontDirectory",
-                               [&](PortName port) {
-                                   return VLSendUnregisterFontDirectory(port, *text,
-                                                                        scope & kScopeOnTheWire, result);
-                               })) &&
-           result != 0;
+    return ChangeOne("UnregisterFontDirectory", directory,
+                     [scope](PortName port, std::string_view url, uint32_t &result) {
+                         return VLSendUnregisterFontDirectory(port, url, scope & kScopeOnTheWire, result);
+                     });
 }
 
 } // namespace vellum

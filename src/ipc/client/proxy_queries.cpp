@@ -9,11 +9,6 @@ namespace vellum {
 
 namespace {
 
-Ref<const ValArray> OneElement(const ValURL *url) {
-    const void *const item = url;
-    return OrBadAlloc(Adopt(ValArrayCreate(&item, 1)));
-}
-
 Ref<const ValDictionary> RequestForURL(const ValURL *url) {
     TValMutableDict request;
     request.Set(kVLFontPropertyURL, url);

@@ -121,22 +121,82 @@ bool TakeDescriptors(msghdr &header, Descriptors &descriptors, size_t &count) no
     return is_all_memory;
 }
 
-// The descriptors of a message that says that it has some; nothing when it cannot have them.
-bool ReadDescriptors(std::span<const uint8_t> message,
-                     std::array<MachDescriptor, kMachMostDescriptors> &descriptors,
-                     size_t &count) noexcept {
+// What a packet begins with. False unless the message that it announces is there.
+bool ReadPacketHeader(std::span<const uint8_t> packet, PacketHeader &header) noexcept {
+    if (packet.size() < sizeof header) return false;
+    std::memcpy(&header, packet.data(), sizeof header);
+    return header.magic == kPacketMagic && !header.reserved &&
+           header.message_size <= packet.size() - sizeof header;
+}
+
+// A packet without a message has nothing else, either.
+bool IsRefusal(const PacketHeader &header, std::span<const uint8_t> rest,
+               std::span<const TDescriptor> descriptors) noexcept {
+    return rest.empty() && descriptors.empty() && !header.enclosed;
+}
+
+// Whether a message has as many bytes as it says, and no more than a message may have.
+bool HasOwnSize(std::span<const uint8_t> message) noexcept {
+    MachHeader header;
+    if (message.size() < sizeof header || message.size() > kMachLongestMessage) return false;
+    std::memcpy(&header, message.data(), sizeof header);
+    return header.size == message.size();
+}
+
+using StatedMemory = std::array<MachDescriptor, kMachMostDescriptors>;
+
+// The descriptors of a message, none if it says that it has none. False when it cannot have those it says.
+bool ReadDescriptors(std::span<const uint8_t> message, StatedMemory &stated, size_t &count) noexcept {
     MachHeader header;
     std::memcpy(&header, message.data(), sizeof header);
     count = 0;
     if (!(header.bits & kMachComplexBit)) return true;
-    uint32_t stated;
-    if (message.size() < sizeof header + sizeof stated) return false;
-    std::memcpy(&stated, message.data() + sizeof header, sizeof stated);
-    if (stated > kMachMostDescriptors) return false;
-    const size_t bytes = stated * sizeof(MachDescriptor);
-    if (message.size() - sizeof header - sizeof stated < bytes) return false;
-    std::memcpy(descriptors.data(), message.data() + sizeof header + sizeof stated, bytes);
-    count = stated;
+    const auto body = message.subspan(sizeof header);
+    uint32_t claimed;
+    if (body.size() < sizeof claimed) return false;
+    std::memcpy(&claimed, body.data(), sizeof claimed);
+    if (claimed > kMachMostDescriptors) return false;
+    const size_t bytes = claimed * sizeof(MachDescriptor);
+    if (body.size() - sizeof claimed < bytes) return false;
+    std::memcpy(stated.data(), body.data() + sizeof claimed, bytes);
+    count = claimed;
+    return true;
+}
+
+// Whether all descriptors are of memory, and of no more than the receiver takes.
+bool IsWanted(std::span<const MachDescriptor> stated, uint32_t most_memory) noexcept {
+    return std::ranges::all_of(stated, [=](const MachDescriptor &one) {
+        return one.type == MachDescriptor().type && one.size <= most_memory;
+    });
+}
+
+// Finds the memory of each descriptor: in what is left of the packet, or in the next file that came with
+// it. False when it is not there, or when something is left over. What is cheap to see is seen before a
+// file is mapped.
+bool TakeMemory(const PacketHeader &header, std::span<const MachDescriptor> stated,
+                std::span<const uint8_t> rest, std::span<const TDescriptor> files,
+                IncomingMessage &message) noexcept {
+    if (header.enclosed >> stated.size()) return false;
+    size_t enclosed = 0, sent = 0;
+    for (size_t i = 0; i < stated.size(); ++i) {
+        if (header.enclosed >> i & 1)
+            enclosed += stated[i].size;
+        else
+            ++sent;
+    }
+    if (enclosed != rest.size() || sent != files.size()) return false;
+    for (size_t i = 0; i < stated.size(); ++i) {
+        if (header.enclosed >> i & 1) {
+            message.memory[i] = rest.first(stated[i].size);
+            rest = rest.subspan(stated[i].size);
+        } else {
+            auto mapping = MemoryMapping::Create(files.front().Get(), stated[i].size);
+            if (!mapping) return false;
+            files = files.subspan(1);
+            message.mappings[i] = std::move(*mapping);
+            message.memory[i] = message.mappings[i].Bytes();
+        }
+    }
     return true;
 }
 
@@ -198,42 +258,20 @@ PacketResult PacketReceiver::Receive(int socket, bool wait, IncomingMessage &mes
 bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> descriptors,
                  uint32_t most_memory, IncomingMessage &message, uint64_t &instance) noexcept {
     PacketHeader header;
-    if (packet.size() < sizeof header) return false;
-    std::memcpy(&header, packet.data(), sizeof header);
-    packet = packet.subspan(sizeof header);
-    if (header.magic != kPacketMagic || header.reserved || header.message_size > packet.size())
-        return false;
-    if (header.message_size == 0) { // a refusal
-        if (!packet.empty() || !descriptors.empty() || header.enclosed) return false;
-        message = {};
-        instance = header.instance;
-        return true;
-    }
+    if (!ReadPacketHeader(packet, header)) return false;
+    const auto rest = packet.subspan(sizeof header);
     IncomingMessage read;
-    read.bytes = packet.first(header.message_size);
-    packet = packet.subspan(header.message_size);
-    if (read.bytes.size() < sizeof(MachHeader) || read.bytes.size() > kMachLongestMessage ||
-        read.Header().size != read.bytes.size())
-        return false;
-    std::array<MachDescriptor, kMachMostDescriptors> stated;
-    if (!ReadDescriptors(read.bytes, stated, read.memory_count)) return false;
-    if (header.enclosed >> read.memory_count) return false;
-    size_t files = 0;
-    for (size_t i = 0; i < read.memory_count; ++i) {
-        if (stated[i].type != MachDescriptor().type || stated[i].size > most_memory) return false;
-        if (header.enclosed >> i & 1) {
-            if (stated[i].size > packet.size()) return false;
-            read.memory[i] = packet.first(stated[i].size);
-            packet = packet.subspan(stated[i].size);
-        } else {
-            if (files == descriptors.size()) return false;
-            auto mapping = MemoryMapping::Create(descriptors[files++].Get(), stated[i].size);
-            if (!mapping) return false;
-            read.mappings[i] = std::move(*mapping);
-            read.memory[i] = read.mappings[i].Bytes();
-        }
+    if (header.message_size == 0) {
+        if (!IsRefusal(header, rest, descriptors)) return false;
+    } else {
+        StatedMemory stated;
+        read.bytes = rest.first(header.message_size);
+        if (!HasOwnSize(read.bytes) || !ReadDescriptors(read.bytes, stated, read.memory_count) ||
+            !IsWanted({stated.data(), read.memory_count}, most_memory) ||
+            !TakeMemory(header, {stated.data(), read.memory_count}, rest.subspan(header.message_size),
+                        descriptors, read))
+            return false;
     }
-    if (!packet.empty() || files != descriptors.size()) return false;
     message = std::move(read);
     instance = header.instance;
     return true;

@@ -66,8 +66,8 @@ private:
     std::unique_ptr<uint8_t[]> buffer_;
 };
 
-// Reads a packet, with the descriptors that came with it. False when it is malformed; that is decided
-// before any memory is mapped but the last thing checked.
+// Reads a packet, with the descriptors that came with it. False when it is malformed; no file is mapped of
+// a packet whose sizes and counts do not add up.
 bool ParsePacket(std::span<const uint8_t> packet, std::span<const TDescriptor> descriptors,
                  uint32_t most_memory, IncomingMessage &message, uint64_t &instance) noexcept;
 
