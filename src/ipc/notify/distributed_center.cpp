@@ -48,7 +48,7 @@ std::array<char, 64> HubName() noexcept {
 
 // A connection on which the hub tells what is posted from now on; closed where there is no hub.
 TDescriptor Observe() noexcept {
-    TDescriptor socket = ConnectToService(HubName().data());
+    TDescriptor socket = ConnectToService(HubName().data(), kHubPatience);
     if (!socket.IsOpen()) return socket;
     LimitReceiving(socket.Get(), kHubPatience);
     PacketReceiver receiver;

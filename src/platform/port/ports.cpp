@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <map>
 #include <mutex>
@@ -125,6 +126,34 @@ ThreadPorts *Mine() noexcept {
     return made ? TPerThread<ThreadPorts>::Set(std::move(made)) : nullptr;
 }
 
+using Clock = std::chrono::steady_clock;
+
+// Who has kept somebody waiting in vain is not waited for again at once.
+constexpr std::chrono::seconds kSilence(5);
+
+// Until when nobody waits for the services of these names, which have taken nobody in for a while.
+std::map<std::string, Clock::time_point> &DeafNames() { // guarded by sMutex
+    static auto *const names = new std::map<std::string, Clock::time_point>;
+    return *names;
+}
+
+bool IsDeaf(const std::string &name) {
+    const std::lock_guard lock(sMutex);
+    const auto found = DeafNames().find(name);
+    return found != DeafNames().end() && Clock::now() < found->second;
+}
+
+// errno says why there is no connection.
+TDescriptor Connect(const std::string &name) {
+    errno = EAGAIN;
+    if (IsDeaf(name)) return TDescriptor();
+    TDescriptor socket = ConnectToService(name.c_str());
+    if (socket.IsOpen() || errno != EAGAIN) return socket;
+    const std::lock_guard lock(sMutex);
+    DeafNames()[name] = Clock::now() + kSilence;
+    return socket;
+}
+
 std::shared_ptr<Service> FindService(PortName port) noexcept {
     const std::lock_guard lock(sMutex);
     const auto found = Services().find(port);
@@ -140,7 +169,7 @@ Connection *ConnectionTo(ThreadPorts &mine, PortName port) {
     }
     auto service = FindService(port);
     if (!service || service->is_dead.load(std::memory_order_relaxed)) return nullptr;
-    OwnSocket socket(ConnectToService(service->name.c_str()));
+    OwnSocket socket(Connect(service->name));
     if (!socket.IsOurs()) return nullptr;
     mine.connections.push_back({port, std::move(service), std::move(socket), 0});
     return &mine.connections.back();
@@ -171,11 +200,6 @@ void Notify(ThreadPorts &mine, IncomingMessage &reply) noexcept {
     reply = {};
     reply.bytes = {reinterpret_cast<const uint8_t *>(&mine.notification), sizeof mine.notification};
 }
-
-// Who has kept somebody waiting in vain is not waited for again at once.
-constexpr std::chrono::seconds kSilence(5);
-
-using Clock = std::chrono::steady_clock;
 
 bool IsSilent(const Service &service) noexcept {
     const Clock::duration until(service.silent_until.load(std::memory_order_relaxed));
@@ -230,7 +254,7 @@ MachCode SendAndReceive(ThreadPorts &mine, PortName port, const OutgoingMessage 
 MachCode bootstrap_look_up(const char *service, PortName &port) noexcept {
     try {
         ThreadPorts *mine = Mine();
-        OwnSocket socket(mine ? ConnectToService(service) : TDescriptor());
+        OwnSocket socket(mine ? Connect(service) : TDescriptor());
         if (!socket.IsOurs()) return kBootstrapUnknownService;
         auto found = std::make_shared<Service>(service);
         const std::lock_guard lock(sMutex);

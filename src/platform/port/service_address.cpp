@@ -74,15 +74,15 @@ std::string ServicesFolder(IfMissing missing) {
     return test(folder) == 0 ? folder : std::string();
 }
 
-TDescriptor ConnectToService(const char *name) noexcept {
+TDescriptor ConnectToService(const char *name, long patience) noexcept {
     const Address address(FolderOrNone(IfMissing::kLeave), name);
     errno = ENOENT;
     if (!address.IsValid()) return TDescriptor();
     TDescriptor socket = MakeSocket();
     if (!socket.IsOpen()) return socket;
     // Bounds what connecting to somebody who takes nobody in may take, and sending as well.
-    const timeval patience = {kSendPatience, 0};
-    ::setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    const timeval limit = {patience, 0};
+    ::setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
     int result;
     do result = ::connect(socket.Get(), address.Get(), Address::Size());
     while (result != 0 && errno == EINTR);

@@ -20,8 +20,9 @@ std::string ServicesFolder(IfMissing missing);
 constexpr long kSendPatience = 3; // seconds
 
 // A socket that is connected to a service; errno says why there is none: ENOENT when nobody has that name,
-// ECONNREFUSED when somebody had. A name that would lead to another folder is nobody's.
-TDescriptor ConnectToService(const char *name) noexcept;
+// ECONNREFUSED when somebody had, EAGAIN when nobody was taken in within so many seconds, which is also how
+// long sending may take. A name that would lead to another folder is nobody's.
+TDescriptor ConnectToService(const char *name, long patience = kSendPatience) noexcept;
 
 // Bounds what receiving on a connection may take, until something is there; 0 sets no bound.
 void LimitReceiving(int socket, long seconds) noexcept;
