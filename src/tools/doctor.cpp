@@ -13,8 +13,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -63,19 +65,49 @@ void LookAtServer(Findings &findings) {
                                               Counted(ValArrayGetCount(fonts.Get()), "font", "fonts")});
 }
 
-// Sockets lie in a folder that nobody else may enter.
-void LookAtRuntimeFolder(Findings &findings) {
-    const char *folder = std::getenv("XDG_RUNTIME_DIR");
+enum class Entry { kFree, kForUserAlone };
+
+// Why a folder is not one that nobody else may write to, or enter; empty when it is.
+std::string WhyNotPrivate(const std::string &path, Entry entry) {
     struct stat about = {};
-    if (!folder || *folder != '/')
-        findings.push_back({Grade::kNote, "XDG_RUNTIME_DIR is not set: sockets lie in /tmp/vellum-" +
-                                              std::to_string(::geteuid())});
-    else if (::stat(folder, &about) != 0 || !S_ISDIR(about.st_mode))
-        findings.push_back({Grade::kProblem, "XDG_RUNTIME_DIR names no folder: " + Printable(folder),
-                            "log in anew, or unset it"});
-    else if (about.st_uid != ::geteuid() || (about.st_mode & 077) != 0)
-        findings.push_back({Grade::kProblem, Printable(folder) + " is open to others: it is not used",
-                            "'chmod 700' it, if it is yours"});
+    const std::string name = Printable(path);
+    if (::lstat(path.c_str(), &about) != 0) return name + ": " + std::strerror(errno);
+    if (S_ISLNK(about.st_mode)) return name + " is a symbolic link";
+    if (!S_ISDIR(about.st_mode)) return name + " is no folder";
+    if (about.st_uid != ::geteuid()) return name + " belongs to somebody else";
+    if (about.st_mode & 022) return name + " may be written to by others";
+    if (entry == Entry::kForUserAlone && (about.st_mode & 0777) != 0700)
+        return name + " has another mode than 700";
+    return {};
+}
+
+// Sockets lie in a folder that this user alone may enter, within one that nobody else may write to. Where
+// one is missing, the first server makes it.
+void LookAtRuntimeFolder(Findings &findings) {
+    const std::string instead = "/tmp/vellum-" + std::to_string(::geteuid());
+    const char *runtime = std::getenv("XDG_RUNTIME_DIR");
+    std::string folder(runtime && *runtime == '/' ? runtime : "");
+    while (folder.ends_with('/')) folder.pop_back();
+    std::string why, advice;
+    if (folder.empty()) {
+        findings.push_back(
+            {Grade::kNote,
+             "XDG_RUNTIME_DIR names no folder: sockets lie in " + instead +
+                 ", and what is registered for the session stays until the machine restarts"});
+        folder = instead;
+    } else if (why = WhyNotPrivate(folder, Entry::kFree); why.empty()) {
+        folder += "/vellum";
+    } else {
+        findings.push_back({Grade::kProblem,
+                            "XDG_RUNTIME_DIR is not used, for " + why + ": sockets lie in " + instead,
+                            "log in anew, or have it name a folder that is yours alone"});
+        folder = instead;
+    }
+    std::error_code error;
+    if (fs::symlink_status(folder, error).type() == fs::file_type::not_found) return;
+    if (why = WhyNotPrivate(folder, Entry::kForUserAlone); !why.empty())
+        findings.push_back({Grade::kProblem, "no sockets are taken from their folder, for " + why,
+                            "remove it, and start the font server anew"});
     else
         findings.push_back({Grade::kGood, "sockets have a folder of their own: " + Printable(folder)});
 }

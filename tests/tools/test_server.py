@@ -3,6 +3,8 @@
 # The verbs about the font server as a user meets them, with a real server of the test's own: `vellum server`,
 # `status`, `doctor`, `provider`, and what other verbs do where one runs.
 import json
+import os
+import pathlib
 import subprocess
 import time
 import unittest
@@ -10,6 +12,14 @@ import unittest
 from vellum_tool import BAD_FONT, DEADLINE, DONE, PROBLEMS, TOOL, ToolCase
 
 NO_SERVER = 3
+
+
+def runs(process):
+    """Not one that has ended and that nobody has asked about since."""
+    try:
+        return pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
+    except FileNotFoundError:
+        return False
 
 
 class ServerCase(ToolCase):
@@ -48,6 +58,20 @@ class Server(ServerCase):
         self.assertIn("1 font in 1 family", self.say(DONE, "server", "status"))
         self.assertIn("has ended", self.say(DONE, "server", "stop"))
         self.say(NO_SERVER, "server", "status")
+
+    def test_leaves_nothing_running_and_no_socket_when_it_is_stopped(self):
+        self.start()
+        process = json.loads(self.say(DONE, "status", "--json"))["server"]["process"]
+        self.say(DONE, "server", "stop")
+        self.assertFalse(runs(process))
+        left = {path.name for path in (self.home / "xdg_runtime_dir/vellum").iterdir() if path.is_socket()}
+        self.assertEqual(left, set())
+
+    def test_says_why_it_cannot_start(self):
+        done = self.run_tool("server", "start", XDG_STATE_HOME="/proc/none")
+        self.assertEqual(done.returncode, PROBLEMS)
+        self.assertIn(b"cannot make /proc/none/vellum", done.stderr)
+        self.assertIn(b"the font server did not start", done.stderr)
 
     def test_holds_what_one_run_registers_for_the_next(self):
         self.start()
@@ -133,9 +157,46 @@ class Doctor(ServerCase):
         (problem,) = self.problems()
         self.assertIn(str(broken), problem)
 
-    def test_finds_a_folder_for_sockets_that_is_open_to_others(self):
-        (self.home / "xdg_runtime_dir").chmod(0o755)
-        self.assertTrue(any("open to others" in problem for problem in self.problems()))
+    def problem_with(self, text):
+        return next((problem for problem in self.problems() if text in problem), None)
+
+    def test_accepts_a_folder_for_sockets_that_others_may_only_read(self):
+        self.runtime().chmod(0o755)
+        self.assertIsNone(self.problem_with(str(self.runtime())))
+
+    def test_finds_a_folder_for_sockets_that_others_may_write_to(self):
+        for mode in (0o720, 0o702, 0o777):
+            self.runtime().chmod(mode)
+            self.assertIsNotNone(self.problem_with(f"{self.runtime()} may be written to by others"), oct(mode))
+
+    def test_finds_a_folder_for_sockets_that_is_reached_by_a_symbolic_link(self):
+        self.runtime().rename(self.home / "elsewhere")
+        self.runtime().symlink_to(self.home / "elsewhere")
+        self.assertIsNotNone(self.problem_with(f"{self.runtime()} is a symbolic link"))
+
+    def test_finds_a_folder_for_sockets_that_is_missing_or_no_folder(self):
+        self.runtime().rmdir()
+        self.assertIsNotNone(self.problem_with(f"{self.runtime()}: No such file or directory"))
+        self.runtime().write_bytes(b"")
+        self.assertIsNotNone(self.problem_with(f"{self.runtime()} is no folder"))
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can give a folder away")
+    def test_finds_a_folder_for_sockets_that_belongs_to_somebody_else(self):
+        os.chown(self.runtime(), 65534, 65534)
+        self.assertIsNotNone(self.problem_with(f"{self.runtime()} belongs to somebody else"))
+
+    def test_finds_sockets_in_a_folder_that_others_may_enter(self):
+        folder = self.runtime() / "vellum"
+        folder.mkdir(mode=0o700)
+        self.assertIsNone(self.problem_with(str(folder)))
+        folder.chmod(0o750)
+        self.assertIsNotNone(self.problem_with(f"{folder} has another mode than 700"))
+        folder.rmdir()
+        folder.symlink_to(self.home)
+        self.assertIsNotNone(self.problem_with(f"{folder} is a symbolic link"))
+
+    def runtime(self):
+        return self.home / "xdg_runtime_dir"
 
     def test_notes_names_that_several_fonts_have(self):
         self.start()

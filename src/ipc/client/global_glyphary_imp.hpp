@@ -110,6 +110,10 @@ private:
     template <class T, class Send>
     Ref<const T> Ask(const char *operation, Send send) const;
 
+    // The items of that kind in the array that the reply brings; null without one.
+    template <class T, class Send>
+    Ref<const ValArray> AskForList(const char *operation, Send send) const;
+
     // The URL in the reply of `send(port, text)`.
     template <class Send>
     Ref<const ValURL> AskForURL(const char *operation, Send send) const;

@@ -22,10 +22,11 @@ Ref<const ValArray> TGlobalGlypharyImp::CopyPropertiesForFontsMatchingRequest(co
                                                                               VLScope scope) const {
     const auto asked = Flattened(request), wanted = Flattened(keys);
     if (!asked || !wanted) return nullptr;
-    return Ask<ValArray>("CopyPropertiesForFontsMatchingRequest", [&](PortName port, ReplyMemory &reply) {
-        return VLSendCopyPropertiesForFontsMatchingRequest(port, *asked, *wanted, scope & kScopeOnTheWire,
-                                                           reply);
-    });
+    return AskForList<ValDictionary>("CopyPropertiesForFontsMatchingRequest",
+                                     [&](PortName port, ReplyMemory &reply) {
+                                         return VLSendCopyPropertiesForFontsMatchingRequest(
+                                             port, *asked, *wanted, scope & kScopeOnTheWire, reply);
+                                     });
 }
 
 Ref<const ValDictionary>
@@ -43,7 +44,7 @@ TGlobalGlypharyImp::CopyPropertiesForFontMatchingRequest(const ValDictionary *re
 Ref<const ValArray> TGlobalGlypharyImp::CopyPropertiesForAllFonts(const ValSet *keys, VLScope scope) const {
     const auto wanted = Flattened(keys);
     if (!wanted) return nullptr;
-    return Ask<ValArray>("CopyPropertiesForAllFonts", [&](PortName port, ReplyMemory &reply) {
+    return AskForList<ValDictionary>("CopyPropertiesForAllFonts", [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyPropertiesForAllFonts(port, *wanted, scope & kScopeOnTheWire, reply);
     });
 }
@@ -87,19 +88,19 @@ Ref<const ValDictionary> TGlobalGlypharyImp::ExperimentalDataFunnel(const ValDic
 }
 
 Ref<const ValArray> TGlobalGlypharyImp::CopyAvailableFontNames(VLScope scope) const {
-    return Ask<ValArray>("CopyAvailableFontNames", [&](PortName port, ReplyMemory &reply) {
+    return AskForList<ValString>("CopyAvailableFontNames", [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyAvailableFontNames(port, scope & kScopeOnTheWire, reply);
     });
 }
 
 Ref<const ValArray> TGlobalGlypharyImp::CopyAvailableFontFamilyNames(VLScope scope) const {
-    return Ask<ValArray>("CopyAvailableFontFamilyNames", [&](PortName port, ReplyMemory &reply) {
+    return AskForList<ValString>("CopyAvailableFontFamilyNames", [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyAvailableFontFamilyNames(port, scope & kScopeOnTheWire, reply);
     });
 }
 
 Ref<const ValArray> TGlobalGlypharyImp::CopyAvailableFontURLs(VLScope scope) const {
-    return Ask<ValArray>("CopyAvailableFontURLs", [&](PortName port, ReplyMemory &reply) {
+    return AskForList<ValURL>("CopyAvailableFontURLs", [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyAvailableFonts(port, scope & kScopeOnTheWire, reply);
     });
 }
@@ -109,7 +110,7 @@ Ref<const ValArray> TGlobalGlypharyImp::CopyFamilyNamesForLanguage(const ValStri
                                                                    uint32_t reserved) const {
     const std::string_view name = Text(language);
     if (name.size() >= kLongestName) return nullptr;
-    return Ask<ValArray>("CopyFamilyNamesForLanguage", [&](PortName port, ReplyMemory &reply) {
+    return AskForList<ValString>("CopyFamilyNamesForLanguage", [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyFamilyNamesForLanguage(port, name, options & kScopeOnTheWire, reserved, reply);
     });
 }
@@ -135,7 +136,7 @@ Ref<const ValArray> TGlobalGlypharyImp::AskForFonts(const char *operation,
                                                     const ValDictionary *request) const {
     const auto asked = Flattened(request);
     if (!asked) return nullptr;
-    auto fonts = Ask<ValArray>(operation, [&](PortName port, ReplyMemory &reply) {
+    auto fonts = AskForList<ValURL>(operation, [&](PortName port, ReplyMemory &reply) {
         return VLSendCopyFontsMatchingRequest(port, kScopeOfSharedLookups, *asked, reply);
     });
     return ValArrayGetCount(fonts.Get()) > 0 ? fonts : nullptr;
@@ -155,7 +156,7 @@ Ref<const ValArray> TGlobalGlypharyImp::CopyFontsForRequest(const ValDictionary 
     const auto asked = Flattened(request);
     if (!asked) return nullptr;
     constexpr char kOperation[] = "CopyFontsForRequest";
-    auto fonts = Ask<ValArray>(kOperation, [&](PortName port, ReplyMemory &reply) {
+    auto fonts = AskForList<ValURL>(kOperation, [&](PortName port, ReplyMemory &reply) {
         const MachCode code = VLSendCopyFontsMatchingRequest(port, kScopeOfSharedLookups, *asked, reply);
         if (code) LogFailure(kOperation, code);
         return code;

@@ -73,6 +73,8 @@ class Client(unittest.TestCase):
             done = subprocess.run([TOOL, *arguments], env=server.environment, stdin=subprocess.DEVNULL,
                                   capture_output=True, timeout=IN_TIME)
             self.assertIn(done.returncode, (DONE, NOTHING_FITS), done.stderr[-2000:])
+            self.assertNotIn(b"memory is exhausted", done.stderr)
+            return done.stdout
 
     def test_ends_whatever_it_is_answered(self):
         self.run_clients(*(((name, *arguments), behave, arguments, False)
@@ -99,6 +101,14 @@ class Client(unittest.TestCase):
                "properties of no kind": flat([{FAMILY: ["x", 1], FILE: [NULL]}])}
         self.run_clients(*(((name, *arguments), sends(lambda identity, value=value: reply_to(identity, value)),
                             arguments, False) for name, value in odd.items() for arguments in QUESTIONS))
+
+    def test_lists_what_is_of_the_right_kind_among_what_is_not(self):
+        items = [NULL, 1, True, [], {"x": 1}, Set((1,)), b"data", "A Name", URL("file:///a/file.ttf"), {}, 2.5]
+        listed = {"families": b"A Name\n", "names": b"A Name\n", "files": b"/a/file.ttf\n"}
+        for what, lines in listed.items():
+            with self.subTest(what):
+                self.assertEqual(self.run_client(sends(lambda identity: reply_to(identity, flat(items))),
+                                                 "list", what), lines)
 
     def test_is_not_held_up_by_closing_what_it_was_sent(self):
         def behave(connection, identity):
