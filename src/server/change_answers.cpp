@@ -189,14 +189,15 @@ void RegisterFontDirectory(FontServer &server, Errand errand, const ReceivedArgu
     const SavedDirectory directory = {PathOfText(arguments[0].text), arguments[2].word, arguments[3].word};
     const bool on_disk = IsForDisk(arguments[4].word);
     EnqueueOne(server, std::move(errand), on_disk,
-               [&server, directory] { return server.Folders().Register(directory); });
+               [&server, directory, on_disk] { return server.Folders().Register(directory, on_disk); });
 }
 
 void UnregisterFontDirectory(FontServer &server, Errand errand, const ReceivedArguments &arguments) {
     const bool on_disk = IsForDisk(arguments[1].word);
-    EnqueueOne(server, std::move(errand), on_disk, [&server, path = PathOfText(arguments[0].text)] {
-        return server.Folders().Unregister(path);
-    });
+    EnqueueOne(server, std::move(errand), on_disk,
+               [&server, on_disk, path = PathOfText(arguments[0].text)] {
+                   return server.Folders().Unregister(path, on_disk);
+               });
 }
 
 } // namespace vellum

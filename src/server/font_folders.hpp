@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
-// The folders in which the server finds fonts: the system's, the user's own, and those that were
-// registered. They are watched: what comes, goes or changes there does so in the register.
+// The folders in which the server finds fonts are watched: what comes, goes or changes there does so in the
+// register. What cannot be watched is looked at from time to time.
 #pragma once
 
 #include "server/event_loop.hpp"
+#include "server/folder_reading.hpp"
+#include "server/folder_watch.hpp"
+#include "server/font_roots.hpp"
 #include "server/shared_register.hpp"
 
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,87 +29,101 @@ class FontFolders {
 public:
     using Tell = std::function<void(const FolderNews &news)>;
 
-    // `tell` is called with what happened in folders, when it has. Throws std::system_error.
+    // `tell` is called with what happened in folders, when it has.
     FontFolders(EventLoop &loop, SharedRegister &fonts, Tell tell);
-    ~FontFolders();
-    FontFolders(const FontFolders &) = delete;
-    FontFolders &operator=(const FontFolders &) = delete;
 
     // Takes in the folders of the system and of the user, and those that are saved, without telling: as
     // work, which is to come before any other.
     EventLoop::Slice Load(const std::vector<SavedDirectory> &saved);
 
-    // Registers a folder for the user: its files, and those of the folders below unless bit 0 of its
-    // options is set and as far as kMostFolders, are in the register as long as it is registered. They come
-    // with the work that this call adds to the loop's. False for what is no folder of files, and for one
-    // that is registered already. SharedRegister::Save makes it last.
-    bool Register(const SavedDirectory &directory);
+    // Registers a folder for the user, and saves that: its files, and those of the folders below unless bit
+    // 0 of its options is set and as far as kMostFolders, are in the register as long as it is registered.
+    // They come with the work that this call adds to the loop's. False for what is no folder of files, for
+    // one that is registered already, and when it could not be saved.
+    bool Register(const SavedDirectory &directory, bool on_disk);
 
-    // False for what is not registered.
-    bool Unregister(const std::string &path);
+    // False for what is not registered, and when that could not be saved.
+    bool Unregister(const std::string &path, bool on_disk);
 
 private:
-    enum class Depth {
-        kFolderAlone,
-        kTree,
-        kWaiting, // for a folder below it that is not there yet
-    };
+    // A folder that was taken in.
     struct Folder {
-        int number; // of the watch; -1 when the system has no room for it
-        Depth depth;
+        struct File {
+            FileState state; // when it was looked at last
+            uint64_t reading = 0;
+        };
+        FolderDepth depth = FolderDepth::kAlone;
+        bool is_polled = false;
+        uint64_t reading = 0; // the last one: what it did not see of the files has gone
+        std::map<std::string, File> files;
     };
-    struct Root {
-        Depth depth;
-        uint32_t priority; // of the fonts
-        VLFontFlags flags;
-        bool is_registered = false;
-    };
+
+    // Whether a folder that was taken in is read once more.
+    enum class Again { kNo, kAlone, kWithThoseBelow };
     struct FolderToRead {
         std::string path;
-        Depth depth;
+        FolderDepth depth;
+        Again again;
+    };
+    struct FileToLookAt {
+        std::string path;
+        bool has_changed; // for certain; else only if its state has
     };
 
     // All that are looked into: each takes a watch, of which the user's other programs want some, too.
     static constexpr size_t kMostFolders = 16'384;
 
-    // A change that is being made, slice by slice: files that have gone, folders to be read, and files that
-    // are there.
+    // Changes that are being made, slice by slice.
     struct Round {
-        std::deque<std::string> gone, there;
+        std::deque<FileToLookAt> files;
+        std::unique_ptr<FolderReading> reading; // of the folder that comes first
+        bool has_names = false;                 // all of them
         std::deque<FolderToRead> folders;
-        bool lets_go = false; // of files that may be there all the same
+        uint64_t begin = 0; // whatever was read since then needs no reading again
         FolderNews news;
 
-        bool IsEmpty() const noexcept { return gone.empty() && there.empty() && folders.empty(); }
+        void Add(std::string path, bool has_changed);
+        void Read(std::string path, FolderDepth depth, Again again) {
+            folders.push_back({std::move(path), depth, again});
+        }
     };
 
-    static Root RootFor(const SavedDirectory &directory) noexcept;
-    void AddRoot(const std::string &path, const Root &root, Round &round);
-    const Root *RootOf(const std::string &file) const;
-    void AwaitRoot(const std::string &path);
-    bool HasRootOver(const std::string &path) const;
-    void Watch(const std::string &path, Depth depth);
-    void TakeIn(std::string path, Depth depth, Round &round);
-    void Read(const FolderToRead &folder, Round &round);
+    // ---- font_folders.cpp: roots, events ----
+    void Enter(FontRoot &root, Round &round);
+    bool Await(const FontRoot &root);
+    void LookForAwaited(const std::string &path, Round &round);
     void LetGo(const std::string &path, Round &round);
-    void LookAgain(Round &round);
-    void ReadEvents();
-    void HandleEvent(int number, uint32_t mask, const char *name, Round &round);
+    void Unwatch(const std::string &path) noexcept;
+    void HandleEvents(const std::vector<FolderEvent> &events);
+    void HandleEvent(const FolderEvent &event, Round &round);
+    void HandleEntryEvent(const Folder &folder, const std::string &path, const FolderEvent &event,
+                          Round &round);
+    void ReadAllAgain(Round &round);
 
+    // ---- font_folder_rounds.cpp: what rounds do ----
     bool Slice(Round &round);
-    void FinishLater(Round round);
-    void FileCame(const std::string &path, FolderNews &news);
-    void FileWent(const std::string &path, bool lets_go, FolderNews &news);
+    void FinishLater(Round round, std::function<void()> then = {});
+    bool Begin(Round &round);
+    bool Watch(const std::string &path);
+    bool ReadOn(Round &round);
+    void EndReading(const Folder &folder, Round &round);
+    void LookAt(const FileToLookAt &file, FolderNews &news);
+    void PollLater();
+    void Poll();
+    void PollNext();
 
     EventLoop &loop_;
     SharedRegister &register_;
     const Tell tell_;
-    TDescriptor inotify_;
-    std::map<std::string, Folder> folders_; // those that were taken in, by path
-    std::map<int, std::string> paths_;      // of the folders that are watched, by number
-    std::map<std::string, Root> roots_;
+    FolderWatch watch_;
+    FontRoots roots_;
     std::map<std::string, SavedDirectory> registered_;
-    bool is_full_ = false; // which has been said
+    std::map<std::string, Folder> folders_; // by path
+    std::set<std::string> awaited_;         // folders that are watched for a root to come beneath them
+    std::set<std::string> links_;           // among the files
+    uint64_t last_reading_ = 0;
+    std::vector<std::string> to_poll_;
+    bool is_full_ = false, is_scarce_ = false; // which has been said
 };
 
 } // namespace vellum

@@ -7,16 +7,11 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
+#include <utility>
 
 namespace vellum {
 
 namespace {
-
-struct CloseDirectory {
-    void operator()(DIR *directory) const noexcept { ::closedir(directory); }
-};
-using OpenDirectory = std::unique_ptr<DIR, CloseDirectory>;
 
 // Some file systems do not say in the listing what an entry is.
 bool IsDirectory(DIR *parent, const dirent &entry) noexcept {
@@ -32,19 +27,30 @@ bool IsSelfOrParent(const char *name) noexcept {
 
 } // namespace
 
+DirectoryReader::DirectoryReader(const char *path) noexcept : directory_(::opendir(path)) {}
+
+void DirectoryReader::Close::operator()(void *directory) const noexcept {
+    ::closedir(static_cast<DIR *>(directory));
+}
+
+std::optional<DirectoryEntry> DirectoryReader::Next() {
+    auto *directory = static_cast<DIR *>(directory_.get());
+    while (const dirent *entry = directory ? ::readdir(directory) : nullptr)
+        if (!IsSelfOrParent(entry->d_name))
+            return DirectoryEntry{entry->d_name, IsDirectory(directory, *entry)};
+    return std::nullopt;
+}
+
 std::vector<DirectoryEntry> ListDirectory(const char *path) {
     std::vector<DirectoryEntry> entries;
-    const OpenDirectory directory(::opendir(path));
-    if (!directory) return entries;
-    while (const dirent *entry = ::readdir(directory.get()))
-        if (!IsSelfOrParent(entry->d_name))
-            entries.push_back({entry->d_name, IsDirectory(directory.get(), *entry)});
+    DirectoryReader directory(path);
+    while (auto entry = directory.Next()) entries.push_back(std::move(*entry));
     std::ranges::sort(entries, {}, &DirectoryEntry::name);
     return entries;
 }
 
 bool CanOpenDirectory(const char *path) noexcept {
-    return OpenDirectory(::opendir(path)) != nullptr;
+    return DirectoryReader(path).IsOpen();
 }
 
 } // namespace vellum

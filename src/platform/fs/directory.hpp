@@ -2,6 +2,8 @@
 // Listing a directory.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +12,23 @@ namespace vellum {
 struct DirectoryEntry {
     std::string name;
     bool is_directory; // a directory itself; a symbolic link to one is none
+};
+
+// Reads a directory entry by entry, as they come, without "." and "..".
+class DirectoryReader {
+public:
+    explicit DirectoryReader(const char *path) noexcept;
+
+    bool IsOpen() const noexcept { return directory_ != nullptr; }
+
+    // None when there are no more. May throw std::bad_alloc.
+    std::optional<DirectoryEntry> Next();
+
+private:
+    struct Close {
+        void operator()(void *directory) const noexcept;
+    };
+    std::unique_ptr<void, Close> directory_; // a DIR
 };
 
 // The entries but "." and "..", by the bytes of their names, so that every run sees the same
