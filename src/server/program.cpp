@@ -16,8 +16,8 @@
 #include "server/message_service.hpp"
 #include "server/notification_hub.hpp"
 #include "server/readiness.hpp"
+#include "server/saved_register.hpp"
 #include "server/service_names.hpp"
-#include "server/state_folders.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
 #include "values/val_str.hpp"
@@ -133,15 +133,14 @@ void Serve(const StartReport &report) {
     const TDescriptor signals = EndingSignals();
     RaiseDescriptorLimit();
 
-    StateDatabase user(UserStateFolder() + "/fonts.db");
-    StateDatabase session(folder + "/" + name.Get() + ".session.db");
+    SavedRegister saved(name.Get(), folder);
     EventLoop loop;
     loop.Watch(signals.Get(), EPOLLIN, [&loop](uint32_t) { loop.Stop(); });
     DesktopSignals desktop;
     TakenName hub_taken(hub_name);
     NotificationHub hub(loop, hub_taken.Listener(), MakeInstance(),
                         [&desktop](const ValDictionary *notification) { Repeat(desktop, notification); });
-    SharedRegister fonts(user, session);
+    SharedRegister fonts(saved);
     FontFolders folders(loop, fonts, [&hub](const FolderNews &news) { TellOfNews(hub, news); });
     FontServer server(loop, fonts, folders);
 
@@ -154,7 +153,7 @@ void Serve(const StartReport &report) {
                                  }});
     RingDoorbell(hub_name.Get());
     loop.AddWork(fonts.Load());
-    loop.AddWork(folders.Load(user.Load().directories));
+    loop.AddWork(folders.Load(saved.LoadForUser().directories));
     loop.AddWork([&] {
         server.BeginToAnswer();
         SayThatItIsReady();

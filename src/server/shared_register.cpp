@@ -52,7 +52,7 @@ std::vector<std::string> TextsOf(const ValArray *urls) {
 
 // What is disabled must be known before the first file comes.
 std::function<bool()> SharedRegister::Load() {
-    SavedState for_user = user_.database.Load(), for_session = session_.database.Load();
+    SavedState for_user = saved_.LoadForUser(), for_session = saved_.LoadForSession();
     for (const std::string &text : for_user.disabled)
         disabled_[PathOfText(text)].emplace(text, Lasting::kForUser);
     for (const std::string &text : for_session.disabled)
@@ -121,7 +121,7 @@ bool SharedRegister::Register(const ValURL *url, VLFontFlags flags, Lasting last
     file.spelled = spelled;
     (lasting == Lasting::kForUser ? file.for_user : file.for_session) = true;
     file.flags = flags;
-    For(lasting).change.added.files.push_back({path, flags});
+    ChangeFor(lasting).added.files.push_back({path, flags});
     undo_.push_back([this, path, former] { PutBack(path, former); });
     return true;
 }
@@ -147,8 +147,8 @@ bool SharedRegister::UnregisterFile(const std::string &path, Lasting lasting) {
     const File former = file;
     if (lasting == Lasting::kForSession ? !file.for_session : !(file.for_user || file.for_session))
         return false;
-    if (former.for_session) session_.change.removed.files.push_back({path, 0});
-    if (former.for_user && lasting == Lasting::kForUser) user_.change.removed.files.push_back({path, 0});
+    if (former.for_session) for_session_.removed.files.push_back({path, 0});
+    if (former.for_user && lasting == Lasting::kForUser) for_user_.removed.files.push_back({path, 0});
     file.for_session = false;
     if (lasting == Lasting::kForUser) file.for_user = false;
     undo_.push_back([this, path, former] { PutBack(path, former); });
@@ -186,9 +186,9 @@ void SharedRegister::ForgetDisabled(const std::string &text) {
 void SharedRegister::KeepDisabled(const std::string &text, Lasting lasting) {
     Lasting *former = FindDisabled(text);
     if (former && (*former == Lasting::kForUser || *former == lasting)) return;
-    For(lasting).change.added.disabled.push_back(text);
+    ChangeFor(lasting).added.disabled.push_back(text);
     if (former) {
-        session_.change.removed.disabled.push_back(text);
+        for_session_.removed.disabled.push_back(text);
         *former = lasting;
         undo_.push_back([this, text] { disabled_[PathOfText(text)][text] = Lasting::kForSession; });
         return;
@@ -217,7 +217,7 @@ bool SharedRegister::Enable(const ValURL *url, Lasting lasting) {
     const bool is_done = fonts_.EnableFont(url, kOwnScope);
     for (const std::string &text : texts) {
         const Lasting former = *FindDisabled(text);
-        For(former).change.removed.disabled.push_back(text);
+        ChangeFor(former).removed.disabled.push_back(text);
         ForgetDisabled(text);
         undo_.push_back([this, text, former] {
             disabled_[PathOfText(text)][text] = former;
@@ -228,11 +228,9 @@ bool SharedRegister::Enable(const ValURL *url, Lasting lasting) {
 }
 
 bool SharedRegister::Save(bool on_disk) {
-    // One that lasts for the session alone concerns no other database, so that no crash comes between two.
-    const bool is_saved =
-        session_.database.Apply(session_.change, on_disk) && user_.database.Apply(user_.change, on_disk);
+    const bool is_saved = saved_.Save(for_user_, for_session_, on_disk);
     if (!is_saved) TakeBack();
-    session_.change = user_.change = StateChange();
+    for_session_ = for_user_ = StateChange();
     undo_.clear();
     return is_saved;
 }
@@ -244,7 +242,7 @@ void SharedRegister::TakeBack() noexcept {
         } catch (const std::bad_alloc &) { // this font stays as it is until the server starts anew
         }
     }
-    session_.change = user_.change = StateChange();
+    for_session_ = for_user_ = StateChange();
     undo_.clear();
 }
 

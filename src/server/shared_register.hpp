@@ -5,7 +5,7 @@
 // was found. Only the server's one thread uses it.
 #pragma once
 
-#include "server/state_database.hpp"
+#include "server/saved_register.hpp"
 #include "store/local_glyphary_imp.hpp"
 
 #include <functional>
@@ -27,9 +27,8 @@ enum class Lasting { kForSession, kForUser };
 
 class SharedRegister {
 public:
-    // Over what has been saved (borrowed) for the user and for the session.
-    SharedRegister(StateDatabase &user, StateDatabase &session) noexcept
-        : user_{user, {}}, session_{session, {}} {}
+    // Over what has been saved (borrowed).
+    explicit SharedRegister(SavedRegister &saved) noexcept : saved_(saved) {}
 
     const TLocalGlypharyImp &Fonts() const noexcept { return fonts_; }
 
@@ -56,11 +55,9 @@ public:
 
     // Has the next Save save, or forget, that a folder is registered for the user.
     void KeepDirectory(const SavedDirectory &directory) {
-        user_.change.added.directories.push_back(directory);
+        for_user_.added.directories.push_back(directory);
     }
-    void ForgetDirectory(const std::string &path) {
-        user_.change.removed.directories.push_back({path, 0, 0});
-    }
+    void ForgetDirectory(const std::string &path) { for_user_.removed.directories.push_back({path, 0, 0}); }
 
     // ---- what happens in folders that are watched; true when the register has changed ----
     bool Found(const std::string &path, VLFontFlags flags, uint32_t priority);
@@ -91,12 +88,10 @@ private:
 
         bool IsWanted() const noexcept { return for_user || for_session || was_found; }
     };
-    struct Saved {
-        StateDatabase &database;
-        StateChange change; // not saved yet
-    };
 
-    Saved &For(Lasting lasting) noexcept { return lasting == Lasting::kForUser ? user_ : session_; }
+    StateChange &ChangeFor(Lasting lasting) noexcept {
+        return lasting == Lasting::kForUser ? for_user_ : for_session_;
+    }
     void LoadFile(const SavedFile &row, Lasting lasting);
     bool Add(const std::string &path, VLFontFlags flags);
     void TakeOut(const std::string &path);
@@ -108,8 +103,9 @@ private:
     Lasting *FindDisabled(const std::string &text);               // borrowed; null for what is not disabled
     std::vector<std::string> DisabledAt(const ValURL *url) const; // texts of the faces
 
+    SavedRegister &saved_;
+    StateChange for_user_, for_session_; // not saved yet
     TLocalGlypharyImp fonts_;
-    Saved user_, session_;
     std::map<std::string, File> files_; // by normalized path; each is wanted
     std::map<std::string, std::map<std::string, Lasting>>
         disabled_;                            // faces by path, and by their URLs' texts

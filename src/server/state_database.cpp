@@ -22,12 +22,15 @@ constexpr char kSchema[] =
     "CREATE TABLE IF NOT EXISTS directories (number INTEGER PRIMARY KEY,"
     " path BLOB UNIQUE NOT NULL, flags INTEGER NOT NULL, options INTEGER NOT NULL);"
     "CREATE TABLE IF NOT EXISTS disabled"
-    " (number INTEGER PRIMARY KEY, url BLOB UNIQUE NOT NULL);";
+    " (number INTEGER PRIMARY KEY, url BLOB UNIQUE NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS noted_files (path BLOB PRIMARY KEY) WITHOUT ROWID;"
+    "CREATE TABLE IF NOT EXISTS noted_disabled (url BLOB PRIMARY KEY) WITHOUT ROWID;";
 
 struct DatabaseError : std::runtime_error {
     explicit DatabaseError(sqlite3 *database)
         : std::runtime_error(database ? sqlite3_errmsg(database) : "memory is exhausted"),
           code(database ? sqlite3_errcode(database) : SQLITE_NOMEM) {}
+    explicit DatabaseError(const char *problem) : std::runtime_error(problem), code(SQLITE_READONLY) {}
 
     // What is in the file is no database; other troubles may pass.
     bool IsOfTheFile() const noexcept { return code == SQLITE_CORRUPT || code == SQLITE_NOTADB; }
@@ -92,9 +95,9 @@ private:
     sqlite3_stmt *statement_ = nullptr;
 };
 
-// Removes the rows of these keys.
+// Runs a statement with the key of each row.
 template <class Rows, class KeyOf>
-void Remove(sqlite3 *database, const char *text, const Rows &rows, KeyOf key_of) {
+void ForEach(sqlite3 *database, const char *text, const Rows &rows, KeyOf key_of) {
     if (rows.empty()) return;
     Statement statement(database, text);
     for (const auto &row : rows) statement.Bind(1, key_of(row)).Run();
@@ -104,13 +107,6 @@ constexpr auto kPath = [](const auto &row) { return std::string_view(row.path); 
 constexpr auto kText = [](const std::string &text) { return std::string_view(text); };
 
 } // namespace
-
-bool StateChange::IsEmpty() const noexcept {
-    const auto is_empty = [](const SavedState &state) {
-        return state.files.empty() && state.directories.empty() && state.disabled.empty();
-    };
-    return is_empty(added) && is_empty(removed);
-}
 
 StateDatabase::StateDatabase(const std::string &path) {
     try {
@@ -122,7 +118,12 @@ StateDatabase::StateDatabase(const std::string &path) {
         Log(LogLevel::kError, "What was registered cannot be read from %s, which is kept as %s: %s",
             path.c_str(), aside.c_str(), problem.what());
         for (const char *part : {"", "-wal"}) std::rename((path + part).c_str(), (aside + part).c_str());
-        Open(path);
+        try {
+            Open(path);
+        } catch (const DatabaseError &still) {
+            sqlite3_close_v2(std::exchange(database_, nullptr));
+            throw std::runtime_error(path + ": " + still.what());
+        }
     }
 }
 
@@ -133,6 +134,7 @@ StateDatabase::~StateDatabase() {
 void StateDatabase::Open(const std::string &path) {
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) Throw(database_);
+    if (sqlite3_db_readonly(database_, "main") == 1) throw DatabaseError("it may be read alone");
     // The log of changes survives the process's end as it is; the server is its only reader.
     Run("PRAGMA locking_mode = EXCLUSIVE");
     Run("PRAGMA journal_mode = WAL");
@@ -157,9 +159,9 @@ SavedState StateDatabase::Load() const {
 }
 
 void StateDatabase::Write(const StateChange &change) const {
-    Remove(database_, "DELETE FROM files WHERE path = ?", change.removed.files, kPath);
-    Remove(database_, "DELETE FROM directories WHERE path = ?", change.removed.directories, kPath);
-    Remove(database_, "DELETE FROM disabled WHERE url = ?", change.removed.disabled, kText);
+    ForEach(database_, "DELETE FROM files WHERE path = ?", change.removed.files, kPath);
+    ForEach(database_, "DELETE FROM directories WHERE path = ?", change.removed.directories, kPath);
+    ForEach(database_, "DELETE FROM disabled WHERE url = ?", change.removed.disabled, kText);
     Statement file(database_, "INSERT OR REPLACE INTO files (path, flags) VALUES (?, ?)");
     for (const SavedFile &row : change.added.files) file.Bind(1, row.path).Bind(2, row.flags).Run();
     Statement directory(database_,
@@ -170,12 +172,13 @@ void StateDatabase::Write(const StateChange &change) const {
     for (const std::string &text : change.added.disabled) disabled.Bind(1, text).Run();
 }
 
-bool StateDatabase::Apply(const StateChange &change, bool on_disk) noexcept {
-    if (change.IsEmpty()) return true;
+// A change that fails leaves nothing behind.
+template <class Work>
+bool StateDatabase::InTransaction(bool on_disk, Work work) noexcept {
     try {
         Run(on_disk ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
         Run("BEGIN IMMEDIATE");
-        Write(change);
+        work();
         Run("COMMIT");
         return true;
     } catch (const std::exception &problem) {
@@ -184,6 +187,28 @@ bool StateDatabase::Apply(const StateChange &change, bool on_disk) noexcept {
             sqlite3_exec(database_, "ROLLBACK", nullptr, nullptr, nullptr);
         return false;
     }
+}
+
+bool StateDatabase::Apply(const StateChange &change, bool on_disk, const SavedState &elsewhere) noexcept {
+    if (change.IsEmpty() && elsewhere.IsEmpty()) return true;
+    return InTransaction(on_disk, [&] {
+        Write(change);
+        ForEach(database_, "INSERT OR IGNORE INTO noted_files VALUES (?)", elsewhere.files, kPath);
+        ForEach(database_, "INSERT OR IGNORE INTO noted_disabled VALUES (?)", elsewhere.disabled, kText);
+    });
+}
+
+SavedState StateDatabase::LoadNoted() const {
+    SavedState noted;
+    Statement files(database_, "SELECT path FROM noted_files");
+    while (files.Step()) noted.files.push_back({files.Bytes(0), 0});
+    Statement disabled(database_, "SELECT url FROM noted_disabled");
+    while (disabled.Step()) noted.disabled.push_back(disabled.Bytes(0));
+    return noted;
+}
+
+bool StateDatabase::ForgetNoted() noexcept {
+    return InTransaction(false, [this] { Run("DELETE FROM noted_files; DELETE FROM noted_disabled"); });
 }
 
 } // namespace vellum

@@ -29,18 +29,21 @@ struct SavedState {
     std::vector<SavedFile> files;
     std::vector<SavedDirectory> directories;
     std::vector<std::string> disabled; // texts of faces' URLs
+
+    bool IsEmpty() const noexcept { return files.empty() && directories.empty() && disabled.empty(); }
 };
 struct StateChange {
     SavedState added;
     SavedState removed; // of which paths and texts count
 
-    bool IsEmpty() const noexcept;
+    bool IsEmpty() const noexcept { return added.IsEmpty() && removed.IsEmpty(); }
 };
 
 class StateDatabase {
 public:
     // Opens or makes the database. A file that is none any more is set aside, under its name and ".broken",
-    // and begun anew; the log says so. Throws std::runtime_error when the trouble is another.
+    // and begun anew; the log says so. Throws std::runtime_error when the trouble is another, and when the
+    // database can be read alone. A path of ":memory:" is no file, and lasts as long as the object.
     explicit StateDatabase(const std::string &path);
     ~StateDatabase();
     StateDatabase(const StateDatabase &) = delete;
@@ -50,10 +53,17 @@ public:
     SavedState Load() const;
 
     // False when the disk is full or out of order; nothing of the change is saved then, and the log says
-    // why.
-    bool Apply(const StateChange &change, bool on_disk) noexcept;
+    // why. With the change is noted what another database still has to forget.
+    bool Apply(const StateChange &change, bool on_disk, const SavedState &elsewhere = {}) noexcept;
+
+    // What was noted, files and disabled faces alone, and that the other database has done so. The former
+    // throws std::runtime_error, the latter is false when the disk is out of order.
+    SavedState LoadNoted() const;
+    bool ForgetNoted() noexcept;
 
 private:
+    template <class Work>
+    bool InTransaction(bool on_disk, Work work) noexcept;
     void Open(const std::string &path);
     void Run(const char *statement) const;
     void Write(const StateChange &change) const;

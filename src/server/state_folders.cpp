@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "server/state_folders.hpp"
 
+#include "ipc/messages/message_rows.hpp"
 #include "platform/process/process.hpp"
 
 #include <filesystem>
@@ -8,6 +9,8 @@
 #include <system_error>
 
 namespace vellum {
+
+namespace {
 
 std::string UserStateFolder() {
     const char *state = GetEnvironment("XDG_STATE_HOME"), *home = GetEnvironment("HOME");
@@ -22,6 +25,13 @@ std::string UserStateFolder() {
     std::filesystem::create_directories(folder, error);
     if (error) throw std::runtime_error("cannot make " + folder + ": " + error.message());
     return folder;
+}
+
+} // namespace
+
+std::string UserStateFile(std::string_view server_name) {
+    const std::string name = server_name == kFontServerName ? "fonts" : std::string(server_name);
+    return UserStateFolder() + "/" + name + ".db";
 }
 
 } // namespace vellum

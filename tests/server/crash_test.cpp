@@ -132,5 +132,74 @@ TEST_F(Crashes, LoseNothingThatWasAcknowledged) {
     }
 }
 
+// What is registered and disabled for the session, and then for the user, too: the later changes concern
+// both databases.
+class CrashesBetweenDatabases : public Crashes {
+protected:
+    struct Step {
+        VLScope scope; // of the change
+        enum { kRegister, kUnregister, kDisable, kEnable } change;
+        VLScope scope_after; // of the fonts
+        bool is_enabled_after;
+    };
+    static constexpr Step kSteps[] = {
+        {kVLScopeSession, Step::kRegister, kVLScopeSession, true},
+        {kVLScopeUser, Step::kRegister, kVLScopeSession | kVLScopeUser, true},
+        {kVLScopeSession, Step::kDisable, kVLScopeSession | kVLScopeUser, false},
+        {kVLScopeUser, Step::kDisable, kVLScopeSession | kVLScopeUser, false},
+        {kVLScopeUser, Step::kEnable, kVLScopeSession | kVLScopeUser, true},
+        {kVLScopeUser, Step::kUnregister, 0, true},
+    };
+
+    bool Make(const Step &step) {
+        TValMutableDict registration;
+        for (const auto &url : urls)
+            registration.Set(url.Get(), Adopt(ValDictionaryCreate(nullptr, nullptr, 0)).Get());
+        const auto fonts = *Flattened(Array(urls).Get());
+        const VLScope scope = step.scope & kVLScopeUser; // as it travels
+        BatchReply reply;
+        switch (step.change) {
+        case Step::kRegister:
+            return !VLSendRegisterFonts(port, *Flattened(registration.Get()), scope, 0, reply);
+        case Step::kUnregister:
+            return !VLSendUnregisterFonts(port, fonts, scope, reply);
+        case Step::kDisable:
+            return !VLSendDisableFonts(port, fonts, scope, reply);
+        default:
+            return !VLSendEnableFonts(port, fonts, scope, reply);
+        }
+    }
+
+    bool IsAfter(const Step &step, size_t font) {
+        uint32_t scope = 0;
+        EXPECT_EQ(VLSendGetFontScope(port, TextOf(ValURLGetString(urls[font].Get())), scope), kMachSuccess);
+        const State state = Ask(font);
+        if (step.scope_after == 0) return scope == 0 && state == State::kAbsent;
+        const bool is_enabled = state == State::kEnabled;
+        return is_enabled == step.is_enabled_after && (!is_enabled || scope == step.scope_after);
+    }
+};
+
+TEST_F(CrashesBetweenDatabases, MakeNoHalfChanges) {
+    Meet();
+    const size_t count = std::size(kSteps);
+    size_t last = count - 1; // the step that was acknowledged
+    for (size_t kill = 0; kill < Kills(); ++kill) {
+        const auto moment = std::chrono::microseconds(random() % 12000);
+        std::thread killer([this, moment] {
+            std::this_thread::sleep_for(moment); // at a moment of chance
+            server.Kill();
+        });
+        while (Make(kSteps[(last + 1) % count])) last = (last + 1) % count;
+        killer.join();
+        mach_port_deallocate(port);
+        Meet();
+        const bool is_made = !IsAfter(kSteps[last], 0);
+        if (is_made) last = (last + 1) % count;
+        for (size_t i = 0; i < kFonts; ++i)
+            ASSERT_TRUE(IsAfter(kSteps[last], i)) << "font " << i << ", step " << last << ", kill " << kill;
+    }
+}
+
 } // namespace
 } // namespace vellum::test

@@ -55,6 +55,7 @@ bool RunningServer::Start() {
     process_ = ::fork();
     if (process_ == 0) {
         ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
+        if (prepare_ && !prepare_()) ::_exit(127);
         ::execl(VELLUM_FONTSERVER, VELLUM_FONTSERVER, "--foreground", nullptr);
         ::_exit(127);
     }

@@ -6,7 +6,9 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace vellum::test {
 
@@ -32,6 +34,10 @@ public:
 
     pid_t Process() const { return process_; }
 
+    // Has servers that start from now on do something before they are what they are, in the new process.
+    // False ends it.
+    void Prepare(std::function<bool()> prepare) { prepare_ = std::move(prepare); }
+
     // The folder of the system's fonts, and the user's.
     TempDir &System() { return root_; }
     static const std::string &SystemFolder();
@@ -42,6 +48,7 @@ private:
     int End(int signal);
 
     TempDir root_, home_;
+    std::function<bool()> prepare_;
     pid_t process_ = -1;
 };
 
