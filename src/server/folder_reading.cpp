@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "server/folder_reading.hpp"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <utility>
 
@@ -16,8 +15,10 @@ FileState ReadFileState(const std::string &path) noexcept {
     if (state.is_link && ::stat(path.c_str(), &status) != 0) return state;
     if (!S_ISREG(status.st_mode)) return state;
     state.is_file = true;
-    state.is_readable = ::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
     state.identity = TFileIdentity::Of(status);
+    state.mode = status.st_mode;
+    state.owner = status.st_uid;
+    state.group = status.st_gid;
     return state;
 }
 

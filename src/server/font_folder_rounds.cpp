@@ -147,9 +147,10 @@ bool FontFolders::ReadOn(Round &round) {
             return false;
         }
         const std::string file_path = path + "/" + name;
-        Folder::File &file = folder.files[name];
-        file.reading = folder.reading;
-        if (file.state != ReadFileState(file_path)) round.files.push_back({file_path, false});
+        const auto [file, is_new] = folder.files.try_emplace(name);
+        file->second.reading = folder.reading;
+        if (is_new || file->second.state != ReadFileState(file_path))
+            round.files.push_back({file_path, false});
     }
     return true;
 }
@@ -195,7 +196,7 @@ void FontFolders::LookAt(const FileToLookAt &asked, FolderNews &news) {
         links_.erase(path);
     if (state == FileState()) folder->second.files.erase(path.substr(folder_path.size() + 1));
     if (register_.Vanished(path)) news.went.push_back(URLText(path));
-    if (state.is_readable && register_.Found(path, root->flags, root->priority))
+    if (state.is_file && register_.Found(path, root->flags, root->priority))
         news.came.push_back(URLText(path));
 }
 
