@@ -14,6 +14,9 @@ namespace {
 
 constexpr int kEventsAtOnce = 64;
 
+// How long work goes on before the loop looks for events again: small slices would cost less than the look.
+constexpr std::chrono::microseconds kWorkAtOnce(200);
+
 uint64_t Key(int descriptor, uint32_t number) noexcept {
     return uint64_t{number} << 32 | static_cast<uint32_t>(descriptor);
 }
@@ -73,7 +76,11 @@ void EventLoop::HandleTime() {
 }
 
 void EventLoop::Work() {
-    if (!in_order_.empty() && !in_order_.front()()) in_order_.pop();
+    const auto end = Clock::now() + kWorkAtOnce;
+    while (!in_order_.empty() && is_running_) {
+        if (!in_order_.front()()) in_order_.pop();
+        if (Clock::now() >= end) break;
+    }
     if (in_turn_.empty()) return;
     Slice slice = std::move(in_turn_.front());
     in_turn_.pop();

@@ -2,6 +2,7 @@
 #include "server/saved_register.hpp"
 
 #include "platform/log/log.hpp"
+#include "server/session_boot.hpp"
 #include "server/state_folders.hpp"
 
 #include <algorithm>
@@ -41,6 +42,7 @@ SavedState ReadCopy(const std::string &path, const std::string &folder, SavedSta
 }
 
 std::unique_ptr<StateDatabase> OpenForSession(const std::string &path) {
+    ForgetFormerBoot(path);
     try {
         return std::make_unique<StateDatabase>(path);
     } catch (const std::runtime_error &problem) {

@@ -17,6 +17,7 @@ namespace vellum {
 namespace {
 
 constexpr char kSchema[] =
+    "BEGIN;"
     "CREATE TABLE IF NOT EXISTS files"
     " (number INTEGER PRIMARY KEY, path BLOB UNIQUE NOT NULL, flags INTEGER NOT NULL);"
     "CREATE TABLE IF NOT EXISTS directories (number INTEGER PRIMARY KEY,"
@@ -24,7 +25,8 @@ constexpr char kSchema[] =
     "CREATE TABLE IF NOT EXISTS disabled"
     " (number INTEGER PRIMARY KEY, url BLOB UNIQUE NOT NULL);"
     "CREATE TABLE IF NOT EXISTS noted_files (path BLOB PRIMARY KEY) WITHOUT ROWID;"
-    "CREATE TABLE IF NOT EXISTS noted_disabled (url BLOB PRIMARY KEY) WITHOUT ROWID;";
+    "CREATE TABLE IF NOT EXISTS noted_disabled (url BLOB PRIMARY KEY) WITHOUT ROWID;"
+    "COMMIT";
 
 struct DatabaseError : std::runtime_error {
     explicit DatabaseError(sqlite3 *database)
@@ -138,6 +140,7 @@ void StateDatabase::Open(const std::string &path) {
     // The log of changes survives the process's end as it is; the server is its only reader.
     Run("PRAGMA locking_mode = EXCLUSIVE");
     Run("PRAGMA journal_mode = WAL");
+    Run("PRAGMA synchronous = NORMAL"); // each change says how sure it has to be
     Run(kSchema);
     Load(); // what cannot be read is found out here
 }
