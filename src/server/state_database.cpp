@@ -137,11 +137,14 @@ void StateDatabase::Open(const std::string &path) {
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) Throw(database_);
     if (sqlite3_db_readonly(database_, "main") == 1) throw DatabaseError("it may be read alone");
+    // Only a database that is being made is written to here: what a failure of power leaves of it holds
+    // nothing that anybody has saved. Afterwards each change says how sure it has to be.
+    Run("PRAGMA synchronous = OFF");
     // The log of changes survives the process's end as it is; the server is its only reader.
     Run("PRAGMA locking_mode = EXCLUSIVE");
     Run("PRAGMA journal_mode = WAL");
-    Run("PRAGMA synchronous = NORMAL"); // each change says how sure it has to be
     Run(kSchema);
+    Run("PRAGMA synchronous = NORMAL");
     Load(); // what cannot be read is found out here
 }
 
