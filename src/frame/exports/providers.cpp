@@ -7,6 +7,9 @@
 #include "ipc/notify/distributed_center.hpp"
 #include "values/val_str.hpp"
 
+#include <atomic>
+#include <memory>
+
 using namespace vellum;
 
 namespace {
@@ -16,27 +19,33 @@ void HearOfServer(void *, void *, const ValString *, const void *, const ValDict
     if (!user_info) AnnounceProvidersAgain();
 }
 
+// Adding the observer waits for the hub, and two that are added do no harm.
 void ListenForServer() {
-    static const bool listens = [] {
-        static char observer;
-        DistributedCenter::Shared().AddObserver(&observer, HearOfServer,
-                                                kVLFontsChangedDistributedNotification);
-        return true;
-    }();
-    static_cast<void>(listens);
+    static char observer;
+    static constinit std::atomic<bool> listens{false};
+    if (TGlobalGlyphary::IsServerIgnored() || listens.load(std::memory_order_acquire)) return;
+    DistributedCenter::Shared().AddObserver(&observer, HearOfServer,
+                                            kVLFontsChangedDistributedNotification);
+    listens.store(true, std::memory_order_release);
+}
+
+// Releases the context with its last owner, whatever happens.
+std::shared_ptr<void> SharedContext(void *context, void (*release)(void *)) {
+    return {context, [release](void *last) {
+                if (release) release(last);
+            }};
 }
 
 } // namespace
 
 VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback callback, void *context,
                                              void (*release)(void *)) noexcept {
-    if (!callback) return nullptr;
-    Ref<VLMessagePort> port;
-    Guard([&] {
+    return GuardCopy([&]() -> Ref<VLMessagePort> {
+        const FontProviderBlock block = {callback, SharedContext(context, release)};
+        if (!callback) return nullptr;
         ListenForServer();
-        port = SharedRegister().CreateFontProviderPort({callback, context, release});
+        return SharedRegister().CreateFontProviderPort(block);
     });
-    return port.Release();
 }
 
 const ValArray *VLCopyFontProviderRemotePorts() noexcept {

@@ -9,17 +9,18 @@
 #include "values/val_dictionary.hpp"
 #include "values/val_set.hpp"
 
+#include <memory>
 #include <mutex>
 
 namespace vellum {
 
 class TFontIndex;
 
-// Answers a font request in a provider; see VLCreateFontProviderLocalPort.
+// Answers a font request in a provider; see VLCreateFontProviderLocalPort. The context is released with the
+// last copy.
 struct FontProviderBlock {
     VLFontProviderCallback callback;
-    void *context;
-    void (*release)(void *context);
+    std::shared_ptr<void> context;
 };
 
 class TGlypharyImp : public TGlypharyProtocol {

@@ -6,6 +6,7 @@
 #include "ipc/encoding/flatten_context.hpp"
 #include "ipc/encoding/travelling_values.hpp"
 #include "platform/port/ports.hpp"
+#include "platform/process/per_process.hpp"
 #include "platform/process/process.hpp"
 #include "platform/val/string.hpp"
 #include "values/val_array.hpp"
@@ -44,20 +45,18 @@ public:
     }
     TFontProviderInfo(const TFontProviderInfo &) = delete;
     TFontProviderInfo &operator=(const TFontProviderInfo &) = delete;
-    ~TFontProviderInfo() {
-        if (block_.release) block_.release(block_.context);
-    }
 
     const FontProviderBlock &Block() const noexcept { return block_; }
 
     // At the beginning, and to a server that has been away.
     void Announce() noexcept {
         const std::lock_guard lock(mutex_);
-        if (is_registered_) TellServer(VLSendAddFontProvider, uuid_);
+        if (is_registered_ && !has_ended_) TellServer(VLSendAddFontProvider, uuid_);
     }
 
     void Withdraw() noexcept {
         const std::lock_guard lock(mutex_);
+        has_ended_ = true;
         if (is_registered_ && TellServer(VLSendRemoveFontProvider, uuid_)) is_registered_ = false;
     }
 
@@ -66,17 +65,14 @@ private:
     const FontProviderBlock block_;
     std::mutex mutex_; // held over what is told, so that the server hears it in its order
     bool is_registered_;
+    bool has_ended_ = false;
 };
 
-// The providers of this process. The server forgets them when it ends, and another one hears of them.
+// The providers of one process; a parent's are not its children's. The server forgets them when it ends,
+// and another one hears of them.
 class LocalProviders {
 public:
-    // Made by its first use and never torn down. Throws std::bad_alloc.
-    static LocalProviders &Shared() {
-        static LocalProviders *const providers = new LocalProviders;
-        return *providers;
-    }
-
+    // Throws std::bad_alloc.
     void Add(const std::shared_ptr<TFontProviderInfo> &provider) {
         const std::lock_guard lock(mutex_);
         std::erase_if(providers_, [](const auto &one) { return one.expired(); });
@@ -98,12 +94,14 @@ private:
     std::vector<std::weak_ptr<TFontProviderInfo>> providers_;
 };
 
+constinit PerProcess<LocalProviders> sProviders;
+
 // The block's answer to one request, which may lack either entry.
 Ref<const void> Answer(const FontProviderBlock &block, const ValDictionary *request) {
     const TValDict entries(Retain(request));
     const auto *attributes = entries.Get<ValDictionary>(ProviderKey("attributes").Get());
     const int32_t process = ReadSInt32(entries[ProviderKey("pid").Get()]);
-    return Adopt(block.callback(block.context, attributes, process));
+    return Adopt(block.callback(block.context.get(), attributes, process));
 }
 
 Ref<const ValData> FlattenedData(const void *value) {
@@ -117,7 +115,7 @@ Ref<const ValData> FlattenedData(const void *value) {
 
 void AnnounceProvidersAgain() noexcept {
     try {
-        LocalProviders::Shared().AnnounceAgain();
+        sProviders.Get().AnnounceAgain();
     } catch (...) { // memory is exhausted
     }
 }
@@ -149,7 +147,7 @@ Ref<VLMessagePort> TLocalFontProvider::CreatePort() const {
         info->Withdraw();
         return nullptr;
     }
-    LocalProviders::Shared().Add(info);
+    sProviders.Get().Add(info);
     return MakePortValue(std::move(port), Name(), [info] { info->Withdraw(); });
 }
 

@@ -5,6 +5,7 @@
 #include "platform/val/object.hpp"
 #include "values/out_of_memory.hpp"
 
+#include <new>
 #include <optional>
 
 namespace vellum {
@@ -14,6 +15,7 @@ extern const ValKind kMessagePortKind;
 struct VLMessagePort : vellum::ValObject {
     VLMessagePort() noexcept : ValObject(vellum::kMessagePortKind) {}
 
+    const uint32_t process = vellum::GetProcessID(); // where it was made
     std::unique_ptr<vellum::LocalMessagePort> local;
     std::string name; // of the local one
     std::function<void()> ended;
@@ -24,13 +26,17 @@ namespace vellum {
 
 namespace {
 
+// In a child that was forked, a parent's port is nobody's to end, nor is what its end would call.
 void End(ValObject *object) {
     auto *port = static_cast<VLMessagePort *>(object);
-    const bool was_local = port->local != nullptr;
     port->local.reset();
-    try {
-        if (was_local && port->ended) port->ended();
-    } catch (...) { // memory is exhausted: nobody is told
+    if (port->process != GetProcessID()) {
+        static_cast<void>(new (std::nothrow) std::function<void()>(std::move(port->ended)));
+    } else if (port->ended) {
+        try {
+            port->ended();
+        } catch (...) { // memory is exhausted: nobody is told
+        }
     }
     port->~VLMessagePort();
 }
@@ -59,7 +65,7 @@ Ref<VLMessagePort> MakePortValue(RemoteMessagePort port) {
 }
 
 pid_t ProcessOf(const VLMessagePort *port) noexcept {
-    return port->remote ? port->remote->Process() : static_cast<pid_t>(GetProcessID());
+    return port->remote ? port->remote->Process() : static_cast<pid_t>(port->process);
 }
 
 const std::string &NameOf(const VLMessagePort *port) noexcept {

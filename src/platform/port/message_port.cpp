@@ -3,6 +3,7 @@
 
 #include "platform/loop/main_loop.hpp"
 #include "platform/port/packet.hpp"
+#include "platform/port/port_address.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/process/process.hpp"
 
@@ -10,11 +11,13 @@
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <system_error>
@@ -24,10 +27,6 @@
 namespace vellum {
 
 namespace {
-
-std::string AddressOf(pid_t process, const std::string &name) {
-    return std::to_string(process) + "." + name;
-}
 
 // A message of data, or of none; nothing that can be sent when memory is exhausted.
 OutgoingMessage Wrap(int32_t id, const ValData *data) {
@@ -64,13 +63,37 @@ constexpr size_t kMostPeers = 16;
 // How long nobody is taken in where there is no room.
 constexpr int kPause = 100; // milliseconds
 
-void LimitWaiting(int socket, int option, double seconds) noexcept {
+// Nobody waits longer than a day; 0 for what is no number, too.
+double Bounded(double seconds) noexcept {
     constexpr double kLongest = 86'400;
-    seconds = seconds > 0 ? std::min(seconds, kLongest) : 0; // 0 for what is no number, too
+    return seconds > 0 ? std::min(seconds, kLongest) : 0;
+}
+
+void LimitSending(int socket, double seconds) noexcept {
+    seconds = Bounded(seconds);
     timeval limit = {static_cast<time_t>(seconds), 0};
     limit.tv_usec = static_cast<suseconds_t>((seconds - static_cast<double>(limit.tv_sec)) * 1e6);
     if (limit.tv_sec == 0 && limit.tv_usec == 0) limit.tv_usec = 1; // 0 would be for ever
-    ::setsockopt(socket, SOL_SOCKET, option, &limit, sizeof limit);
+    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+}
+
+// Waits until a process has sent something, or has ended: a child of it may keep the connection open, which
+// never answers.
+MessagePortResult WaitForReply(int socket, pid_t process, double seconds) noexcept {
+    using Clock = std::chrono::steady_clock;
+    const auto patience = std::chrono::duration<double>(Bounded(seconds));
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(patience);
+    const TDescriptor life(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
+    if (!life.IsOpen() && errno == ESRCH) return MessagePortResult::kGone;
+    for (;;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+        pollfd events[] = {{socket, POLLIN, 0}, {life.Get(), POLLIN, 0}};
+        const int ready = ::poll(events, 2, static_cast<int>(std::max<int64_t>(left, 0)));
+        if (ready < 0 && errno != EINTR) return MessagePortResult::kNoMemory;
+        if (ready == 0) return MessagePortResult::kReceiveTimedOut;
+        if (ready < 0) continue;
+        return events[0].revents ? MessagePortResult::kDone : MessagePortResult::kGone;
+    }
 }
 
 // A question that waits for the main loop.
@@ -85,18 +108,18 @@ struct Question {
 
 // Shared by the port, its thread, and questions on their way to the main loop.
 struct LocalMessagePort::State : std::enable_shared_from_this<State> {
-    std::string address;
-    Handler handler;
-    TDescriptor listener, wake_up; // the latter is readable once the port is closed
-    std::mutex mutex;              // guards what follows
+    const uint32_t process = GetProcessID();
+    TDescriptor wake_up; // readable once the port is closed
+    std::mutex mutex;    // guards what follows
     std::condition_variable changed;
-    bool is_closed = false;
+    PortListener listener;
+    std::shared_ptr<const Handler> handler; // null once the port is closed
 
     void Close() noexcept {
-        {
-            const std::lock_guard lock(mutex);
-            is_closed = true;
-        }
+        std::shared_ptr<const Handler> last; // ends without the lock: what it holds may call back
+        const std::lock_guard lock(mutex);
+        last = std::move(handler);
+        listener.Withdraw();
         changed.notify_all();
         ::eventfd_write(wake_up.Get(), 1);
     }
@@ -116,20 +139,23 @@ struct LocalMessagePort::State : std::enable_shared_from_this<State> {
             call.get());
         call.release();
         std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return is_closed || question->is_answered; });
-        return !is_closed;
+        changed.wait(lock, [&] { return !handler || question->is_answered; });
+        return handler != nullptr;
     }
 
     void Answer(Question &question) noexcept {
+        std::shared_ptr<const Handler> mine;
         {
             const std::lock_guard lock(mutex);
-            if (is_closed) return;
+            mine = handler;
         }
+        if (!mine) return;
         Ref<const ValData> answer;
         try {
-            answer = handler(question.id, question.data.Get());
+            answer = (*mine)(question.id, question.data.Get());
         } catch (...) { // memory is exhausted: no data
         }
+        mine.reset(); // perhaps the last to hold it
         const std::lock_guard lock(mutex);
         question.answer = std::move(answer);
         question.is_answered = true;
@@ -187,40 +213,43 @@ struct LocalMessagePort::State : std::enable_shared_from_this<State> {
 
 std::unique_ptr<LocalMessagePort> LocalMessagePort::Create(const std::string &name, Handler handler) {
     auto state = std::make_shared<State>();
-    state->address = AddressOf(static_cast<pid_t>(GetProcessID()), name);
-    state->handler = std::move(handler);
+    state->handler = std::make_shared<const Handler>(std::move(handler));
     state->wake_up = TDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (!state->wake_up.IsOpen()) return nullptr;
-    state->listener = ListenAsService(state->address.c_str());
+    state->listener = PortListener::Open(name);
     if (!state->listener.IsOpen()) return nullptr;
+    std::unique_ptr<LocalMessagePort> port(new LocalMessagePort(state));
     // Signals are the program's: none of them is handled on a thread that it does not know.
     sigset_t all, former;
     ::sigfillset(&all);
     ::pthread_sigmask(SIG_SETMASK, &all, &former);
-    bool is_running = true;
     try {
         std::thread([state] {
             try {
                 state->Run();
             } catch (...) { // memory is exhausted: the port is gone
             }
-            UnlinkService(state->address.c_str());
-            state->listener = TDescriptor();
+            state->Close();
+            const std::lock_guard lock(state->mutex);
+            state->listener = PortListener();
         }).detach();
     } catch (const std::system_error &) {
-        is_running = false;
+        port = nullptr;
     }
     ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
-    return is_running ? std::unique_ptr<LocalMessagePort>(new LocalMessagePort(std::move(state))) : nullptr;
+    return port;
 }
 
 LocalMessagePort::~LocalMessagePort() {
-    state_->Close();
+    if (state_->process == GetProcessID())
+        state_->Close();
+    else // its lock may be held for ever, and its handler is the parent's affair: it stays as it is
+        static_cast<void>(new (std::nothrow) std::shared_ptr<State>(state_));
 }
 
 bool RemoteMessagePort::IsValid() const noexcept {
     try {
-        return ConnectToService(AddressOf(process_, name_).c_str()).IsOpen();
+        return ConnectToPort(process_, name_).IsOpen();
     } catch (...) { // memory is exhausted
         return false;
     }
@@ -228,19 +257,19 @@ bool RemoteMessagePort::IsValid() const noexcept {
 
 MessagePortResult RemoteMessagePort::Send(int32_t id, const ValData *data, double send_seconds,
                                           double receive_seconds, Ref<const ValData> &reply) const {
-    const TDescriptor socket = ConnectToService(AddressOf(process_, name_).c_str());
+    const TDescriptor socket = ConnectToPort(process_, name_);
     if (!socket.IsOpen()) return MessagePortResult::kGone;
-    LimitWaiting(socket.Get(), SO_SNDTIMEO, send_seconds);
-    LimitWaiting(socket.Get(), SO_RCVTIMEO, receive_seconds);
+    LimitSending(socket.Get(), send_seconds);
     const PacketResult sent = SendPacket(socket.Get(), 0, Wrap(id, data), true);
     if (sent == PacketResult::kWouldBlock) return MessagePortResult::kSendTimedOut;
     if (sent != PacketResult::kDone)
         return sent == PacketResult::kClosed ? MessagePortResult::kGone : MessagePortResult::kNoMemory;
+    const MessagePortResult waited = WaitForReply(socket.Get(), process_, receive_seconds);
+    if (waited != MessagePortResult::kDone) return waited;
     PacketReceiver receiver(kMostAnswered);
     IncomingMessage message;
     uint64_t instance = 0;
-    const PacketResult received = receiver.Receive(socket.Get(), true, message, instance);
-    if (received == PacketResult::kWouldBlock) return MessagePortResult::kReceiveTimedOut;
+    const PacketResult received = receiver.Receive(socket.Get(), false, message, instance);
     if (received != PacketResult::kDone || message.bytes.empty()) return MessagePortResult::kGone;
     reply = Unwrap(message);
     return MessagePortResult::kDone;

@@ -27,7 +27,8 @@ public:
     static std::unique_ptr<LocalMessagePort> Create(const std::string &name, Handler handler);
 
     // Who waits for a reply, or sends from now on, finds that the port is gone. The handler is not called
-    // any more, but a call that has begun may still be running.
+    // any more, and ends: here, or with the call that is running just now. In a child that was forked this
+    // does nothing: the port is the parent's, and goes on.
     ~LocalMessagePort();
     LocalMessagePort(const LocalMessagePort &) = delete;
     LocalMessagePort &operator=(const LocalMessagePort &) = delete;
@@ -40,6 +41,7 @@ private:
 };
 
 // The asking end.
+// kGone: nobody answers there, or who did has ended.
 enum class MessagePortResult { kDone, kSendTimedOut, kReceiveTimedOut, kGone, kNoMemory };
 
 class RemoteMessagePort {

@@ -30,12 +30,10 @@ void LimitReceiving(int socket, long seconds) noexcept;
 // True when a service of that name has a socket there, alive or not.
 bool ServiceHasSocket(const char *name) noexcept;
 
-// A socket that listens under the name, without waiting, in place of what another process may have left
-// there; errno says why there is none. Who may take the name over is the caller's business.
-TDescriptor ListenAsService(const char *name) noexcept;
-
-// Takes a service's name back, whoever has it now.
-void UnlinkService(const char *name) noexcept;
+// A socket that listens under the name, without waiting; errno says why there is none. What another process
+// may have there is replaced, and who may do that is the caller's business; or it is left, with EADDRINUSE.
+enum class IfTaken { kReplace, kLeave };
+TDescriptor ListenAsService(const char *name, IfTaken taken = IfTaken::kReplace) noexcept;
 
 // The file of a service's socket, by which it is known again. Of no file when there is none.
 struct ServiceFile {
