@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
@@ -113,8 +114,9 @@ TEST_F(Background, ServerHasASessionOfItsOwnAndHoldsNothingOfTheStarters) {
     ASSERT_EQ(::pipe(ends.data()), 0);
     ASSERT_EQ(Run().exit_code, 0);
     ::close(ends[1]);
-    char byte;
-    EXPECT_EQ(::read(ends[0], &byte, 1), 0); // nobody else has the other end
+    pollfd end = {ends[0], POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 10'000), 1);
+    EXPECT_TRUE(end.revents & POLLHUP); // nobody else has the other end
     ::close(ends[0]);
     const pid_t process = VLGetFontServerProcess();
     EXPECT_NE(::getsid(process), ::getsid(0));
