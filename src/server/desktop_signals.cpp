@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "server/desktop_signals.hpp"
 
-#include <gio/gio.h>
-
-#include <memory>
+#include "service/session_bus.hpp"
 
 namespace vellum {
 
@@ -11,26 +9,6 @@ namespace {
 
 constexpr char kName[] = "org.vellum.Fonts";
 constexpr char kPath[] = "/org/vellum/Fonts";
-constexpr int kPatience = 1000; // milliseconds, for the bus to answer
-
-struct Unref {
-    void operator()(gpointer object) const noexcept { g_object_unref(object); }
-};
-using Bus = std::unique_ptr<GDBusConnection, Unref>;
-
-// The session's bus, with the name taken; null when there is none.
-Bus Connect() {
-    Bus bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-    if (!bus) return bus;
-    g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-    constexpr guint32 kDoNotQueue = 4;
-    GVariant *reply = g_dbus_connection_call_sync(
-        bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-        g_variant_new("(su)", kName, kDoNotQueue), nullptr, G_DBUS_CALL_FLAGS_NONE, kPatience, nullptr,
-        nullptr);
-    if (reply) g_variant_unref(reply); // who else has the name does not matter to who listens
-    return bus;
-}
 
 GVariant *Strings(const std::vector<std::string> &texts) {
     GVariantBuilder builder;
@@ -69,7 +47,7 @@ void DesktopSignals::Say(DesktopNews news) {
 }
 
 void DesktopSignals::Run() {
-    const Bus bus = Connect();
+    const SessionBus bus = ConnectToSessionBus(kName);
     for (;;) {
         std::unique_lock lock(mutex_);
         changed_.wait(lock, [this] { return is_ending_ || !waiting_.empty(); });

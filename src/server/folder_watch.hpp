@@ -2,7 +2,7 @@
 // Has the system tell what happens in folders, by inotify.
 #pragma once
 
-#include "server/event_loop.hpp"
+#include "service/event_loop.hpp"
 
 #include <cstdint>
 #include <functional>

@@ -3,11 +3,11 @@
 // register. What cannot be watched is looked at from time to time.
 #pragma once
 
-#include "server/event_loop.hpp"
 #include "server/folder_reading.hpp"
 #include "server/folder_watch.hpp"
 #include "server/font_roots.hpp"
 #include "server/shared_register.hpp"
+#include "service/event_loop.hpp"
 
 #include <deque>
 #include <functional>

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "ipc/messages/message_codec.hpp"
-#include "server/event_loop.hpp"
 #include "server/kept_answers.hpp"
-#include "server/peer.hpp"
 #include "server/provider_list.hpp"
 #include "server/shared_register.hpp"
+#include "service/event_loop.hpp"
+#include "service/peer.hpp"
 
 #include <memory>
 #include <vector>

@@ -2,7 +2,7 @@
 // Passes notifications on to every process that observes.
 #pragma once
 
-#include "server/message_service.hpp"
+#include "service/message_service.hpp"
 
 #include <vellum/values.h>
 

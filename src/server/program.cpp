@@ -8,24 +8,21 @@
 #include "platform/log/log.hpp"
 #include "platform/port/doorbell.hpp"
 #include "platform/port/service_address.hpp"
-#include "platform/process/random.hpp"
 #include "server/background.hpp"
 #include "server/desktop_signals.hpp"
 #include "server/font_folders.hpp"
 #include "server/font_server.hpp"
-#include "server/message_service.hpp"
 #include "server/notification_hub.hpp"
-#include "server/readiness.hpp"
 #include "server/saved_register.hpp"
 #include "server/service_names.hpp"
+#include "service/message_service.hpp"
+#include "service/readiness.hpp"
+#include "service/service_process.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
 #include "values/val_str.hpp"
 
-#include <signal.h>
 #include <sys/epoll.h>
-#include <sys/resource.h>
-#include <sys/signalfd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -54,22 +51,6 @@ constexpr char kUsage[] =
     "Example: vellum-fontserver\n";
 
 const std::string kProgram = "vellum-fontserver: ";
-
-// Each client thread has a descriptor here.
-void RaiseDescriptorLimit() noexcept {
-    rlimit limit;
-    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
-    limit.rlim_cur = limit.rlim_max;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-}
-
-uint64_t MakeInstance() {
-    uint64_t instance = 0;
-    while (instance == 0 && FillRandom(&instance, sizeof instance)) {
-    }
-    if (instance == 0) throw std::runtime_error("the system has no random bytes to give");
-    return instance;
-}
 
 // Tells every process of what happened in folders; who is told asks again, and so do their caches.
 void Tell(NotificationHub &hub, const ValString *key, const std::vector<std::string> &fonts) {
@@ -103,15 +84,6 @@ void TellOfNews(NotificationHub &hub, const FolderNews &news) {
     Tell(hub, kAvailableFontURLsAddedKey, news.came);
 }
 
-// The signals that end the program, as a descriptor.
-TDescriptor EndingSignals() {
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) ::sigaddset(&signals, signal);
-    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-    return TDescriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-}
-
 void PrintLog(void *, LogLevel, std::string_view text, std::span<const LogField>) {
     std::fprintf(stderr, "vellum-fontserver: %.*s\n", static_cast<int>(text.size()), text.data());
 }
@@ -138,7 +110,7 @@ void Serve(const StartReport &report) {
     loop.Watch(signals.Get(), EPOLLIN, [&loop](uint32_t) { loop.Stop(); });
     DesktopSignals desktop;
     TakenName hub_taken(hub_name);
-    NotificationHub hub(loop, hub_taken.Listener(), MakeInstance(),
+    NotificationHub hub(loop, hub_taken.Listener(), MakeServiceInstance(),
                         [&desktop](const ValDictionary *notification) { Repeat(desktop, notification); });
     SharedRegister fonts(saved);
     FontFolders folders(loop, fonts, [&hub](const FolderNews &news) { TellOfNews(hub, news); });
@@ -147,7 +119,7 @@ void Serve(const StartReport &report) {
     std::optional<TakenName> taken;
     TDescriptor listener = InheritedListener();
     if (!listener.IsOpen()) listener = taken.emplace(name).Listener();
-    const MessageService service(loop, std::move(listener), MakeInstance(), FontServer::kMostMemory,
+    const MessageService service(loop, std::move(listener), MakeServiceInstance(), FontServer::kMostMemory,
                                  {[&](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
                                      server.Answer(peer, message);
                                  }});

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "server/session_boot.hpp"
 
-#include <sqlite3.h>
+#include "service/database.hpp"
+
 #include <unistd.h>
 
 #include <fstream>
@@ -13,10 +14,8 @@ namespace {
 
 struct Close {
     void operator()(sqlite3 *database) const noexcept { sqlite3_close_v2(database); }
-    void operator()(sqlite3_stmt *statement) const noexcept { sqlite3_finalize(statement); }
 };
 using Database = std::unique_ptr<sqlite3, Close>;
-using Statement = std::unique_ptr<sqlite3_stmt, Close>;
 
 // What the system calls its run since it was started; empty where it says nothing.
 std::string CurrentBoot() {
@@ -39,25 +38,14 @@ Database Open(const std::string &path) {
     return database;
 }
 
-Statement Prepare(sqlite3 *database, const char *text) {
-    sqlite3_stmt *statement = nullptr;
-    sqlite3_prepare_v2(database, text, -1, &statement, nullptr);
-    return Statement(statement);
-}
-
 // Empty where none was written.
 std::string WrittenBoot(sqlite3 *database) {
-    const Statement statement = Prepare(database, "SELECT id FROM boot");
-    if (!statement || sqlite3_step(statement.get()) != SQLITE_ROW) return {};
-    const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement.get(), 0));
-    return text ? text : "";
+    Statement statement(database, "SELECT id FROM boot");
+    return statement.Step() ? statement.Bytes(0) : std::string();
 }
 
 void Write(sqlite3 *database, const std::string &boot) {
-    const Statement statement = Prepare(database, "INSERT INTO boot (id) VALUES (?)");
-    if (!statement) return;
-    sqlite3_bind_text(statement.get(), 1, boot.c_str(), -1, SQLITE_STATIC);
-    sqlite3_step(statement.get());
+    Statement(database, "INSERT INTO boot (id) VALUES (?)").Bind(1, boot).Run();
 }
 
 } // namespace
@@ -75,7 +63,7 @@ void ForgetFormerBoot(const std::string &path) noexcept {
             database = Open(path);
         }
         if (database) Write(database.get(), boot);
-    } catch (...) { // memory is exhausted: whoever opens the database says so
+    } catch (...) { // whoever opens the database says what is wrong with it
     }
 }
 

@@ -2,11 +2,10 @@
 #include "server/state_database.hpp"
 
 #include "platform/log/log.hpp"
+#include "service/database.hpp"
 
 #include <sqlite3.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <exception>
 #include <stdexcept>
 #include <string_view>
@@ -28,75 +27,6 @@ constexpr char kSchema[] =
     "CREATE TABLE IF NOT EXISTS noted_disabled (url BLOB PRIMARY KEY) WITHOUT ROWID;"
     "COMMIT";
 
-struct DatabaseError : std::runtime_error {
-    explicit DatabaseError(sqlite3 *database)
-        : std::runtime_error(database ? sqlite3_errmsg(database) : "memory is exhausted"),
-          code(database ? sqlite3_errcode(database) : SQLITE_NOMEM) {}
-    explicit DatabaseError(const char *problem) : std::runtime_error(problem), code(SQLITE_READONLY) {}
-
-    // What is in the file is no database; other troubles may pass.
-    bool IsOfTheFile() const noexcept { return code == SQLITE_CORRUPT || code == SQLITE_NOTADB; }
-
-    int code;
-};
-
-[[noreturn]] void Throw(sqlite3 *database) {
-    throw DatabaseError(database);
-}
-
-// A name for what is set aside under which nothing lies yet.
-std::string NameAside(const std::string &path) {
-    std::string name = path + ".broken";
-    for (int i = 2; ::access(name.c_str(), F_OK) == 0; ++i) name = path + ".broken-" + std::to_string(i);
-    return name;
-}
-
-class Statement {
-public:
-    Statement(sqlite3 *database, const char *text) : database_(database) {
-        if (sqlite3_prepare_v2(database, text, -1, &statement_, nullptr) != SQLITE_OK) Throw(database);
-    }
-    Statement(const Statement &) = delete;
-    Statement &operator=(const Statement &) = delete;
-    ~Statement() { sqlite3_finalize(statement_); }
-
-    // Both count from the left: parameters from 1, columns from 0. Bytes are borrowed until the next step.
-    Statement &Bind(int place, std::string_view bytes) {
-        return Check(sqlite3_bind_blob64(statement_, place, bytes.empty() ? "" : bytes.data(), bytes.size(),
-                                         SQLITE_STATIC));
-    }
-    Statement &Bind(int place, uint32_t number) {
-        return Check(sqlite3_bind_int64(statement_, place, number));
-    }
-
-    // True while there is a row.
-    bool Step() {
-        const int result = sqlite3_step(statement_);
-        if (result != SQLITE_ROW && result != SQLITE_DONE) Throw(database_);
-        return result == SQLITE_ROW;
-    }
-    void Run() {
-        Step();
-        Check(sqlite3_reset(statement_));
-    }
-
-    std::string Bytes(int column) {
-        const auto *bytes = static_cast<const char *>(sqlite3_column_blob(statement_, column));
-        const auto size = static_cast<size_t>(sqlite3_column_bytes(statement_, column));
-        return bytes ? std::string(bytes, size) : std::string();
-    }
-    uint32_t Number(int column) { return static_cast<uint32_t>(sqlite3_column_int64(statement_, column)); }
-
-private:
-    Statement &Check(int result) {
-        if (result != SQLITE_OK) Throw(database_);
-        return *this;
-    }
-
-    sqlite3 *const database_;
-    sqlite3_stmt *statement_ = nullptr;
-};
-
 // Runs a statement with the key of each row.
 template <class Rows, class KeyOf>
 void ForEach(sqlite3 *database, const char *text, const Rows &rows, KeyOf key_of) {
@@ -116,10 +46,9 @@ StateDatabase::StateDatabase(const std::string &path) {
     } catch (const DatabaseError &problem) {
         sqlite3_close_v2(std::exchange(database_, nullptr));
         if (!problem.IsOfTheFile()) throw std::runtime_error(path + ": " + problem.what());
-        const std::string aside = NameAside(path);
+        const std::string aside = SetDatabaseAside(path);
         Log(LogLevel::kError, "What was registered cannot be read from %s, which is kept as %s: %s",
             path.c_str(), aside.c_str(), problem.what());
-        for (const char *part : {"", "-wal"}) std::rename((path + part).c_str(), (aside + part).c_str());
         try {
             Open(path);
         } catch (const DatabaseError &still) {
@@ -135,8 +64,10 @@ StateDatabase::~StateDatabase() {
 
 void StateDatabase::Open(const std::string &path) {
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
-    if (sqlite3_open_v2(path.c_str(), &database_, kFlags, nullptr) != SQLITE_OK) Throw(database_);
-    if (sqlite3_db_readonly(database_, "main") == 1) throw DatabaseError("it may be read alone");
+    if (sqlite3_open_v2(path.c_str(), &database_, kFlags, nullptr) != SQLITE_OK)
+        ThrowDatabaseError(database_);
+    if (sqlite3_db_readonly(database_, "main") == 1)
+        throw DatabaseError("it may be read alone", SQLITE_READONLY);
     // Only a database that is being made is written to here: what a failure of power leaves of it holds
     // nothing that anybody has saved. Afterwards each change says how sure it has to be.
     Run("PRAGMA synchronous = OFF");
@@ -149,7 +80,8 @@ void StateDatabase::Open(const std::string &path) {
 }
 
 void StateDatabase::Run(const char *statement) const {
-    if (sqlite3_exec(database_, statement, nullptr, nullptr, nullptr) != SQLITE_OK) Throw(database_);
+    if (sqlite3_exec(database_, statement, nullptr, nullptr, nullptr) != SQLITE_OK)
+        ThrowDatabaseError(database_);
 }
 
 SavedState StateDatabase::Load() const {

@@ -24,8 +24,10 @@ FLOORS = {
     "ipc/notify": 6,
     "frame/handles": 7,
     "autoactivation": 8,
+    "service": 8,
     "frame/exports": 9,
     "server": 9,
+    "beacon": 9,
     "tools": 10,
 }
 
@@ -34,14 +36,14 @@ OUTSIDERS = {"tools"}
 
 # Headers of the outside world, and the only rooms that may know them.
 OUTSIDE_HEADERS = [
-    (re.compile(r"gio/gio\.h$"), {"platform", "server"}),
+    (re.compile(r"gio/gio\.h$"), {"platform", "service", "server"}),
     (re.compile(r"(glib|gmodule|gobject)([-./].*)?$|glib\.h$"), {"platform"}),
     (re.compile(r"hb(-[\w-]+)?\.h$|harfbuzz/"), {"platform", "tools"}),
     (re.compile(r"ft2build\.h$|freetype/|freetype2/"), {"platform"}),
     (re.compile(r"expat\w*\.h$"), {"platform"}),
     (re.compile(r"unicode/"), {"platform"}),
-    (re.compile(r"sys/"), {"platform", "tools", "server"}),
-    (re.compile(r"sqlite3\.h$"), {"server"}),
+    (re.compile(r"sys/"), {"platform", "tools", "service", "server", "beacon"}),
+    (re.compile(r"sqlite3\.h$"), {"service", "server", "beacon"}),
     (re.compile(r"CLI/|nlohmann/"), {"tools"}),
 ]
 

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "platform/port/packet.hpp"
-#include "server/event_loop.hpp"
-#include "server/peer.hpp"
+#include "service/event_loop.hpp"
+#include "service/peer.hpp"
 
 #include <functional>
 #include <map>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "server/event_loop.hpp"
+#include "service/event_loop.hpp"
 
 #include <sys/epoll.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "server/message_service.hpp"
+#include "service/message_service.hpp"
 
 #include "platform/port/service_address.hpp"
 

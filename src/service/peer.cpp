@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "server/peer.hpp"
+#include "service/peer.hpp"
 
 #include "platform/port/packet.hpp"
-#include "server/event_loop.hpp"
+#include "service/event_loop.hpp"
 
 #include <linux/sockios.h>
 #include <sys/epoll.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "server/readiness.hpp"
+#include "service/readiness.hpp"
 
 #include "platform/process/process.hpp"
 

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// What every service of a user is as a process: one of its name, with sockets, ended by a signal.
+#pragma once
+
+#include "platform/fs/file.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace vellum {
+
+// Held for as long as the one service of this name lives; `what` it is called where another has it. Throws
+// std::runtime_error.
+TDescriptor TakeServiceLock(const std::string &folder, const std::string &name, const char *what);
+
+// A socket that listens under the name of a service. Throws std::runtime_error.
+TDescriptor ListenOrThrow(const std::string &name);
+
+// What this life of a service is called, never 0. Throws std::runtime_error.
+uint64_t MakeServiceInstance();
+
+// Each thread of a client has a descriptor in a service.
+void RaiseDescriptorLimit() noexcept;
+
+// The signals that end the program, as a descriptor; from then on they do nothing else.
+TDescriptor EndingSignals();
+
+} // namespace vellum
