@@ -47,4 +47,16 @@ Ref<const ValData> DecodeBase64(std::string_view text) noexcept {
     return data;
 }
 
+std::string EncodeBase64(std::string_view bytes) {
+    // For 3 bytes 4 digits, and as much again at the end.
+    std::string text((bytes.size() / 3 + 1) * 4 + 4, '\0');
+    int state = 0;
+    int save = 0;
+    const auto *first = reinterpret_cast<const guchar *>(bytes.data());
+    size_t length = g_base64_encode_step(first, bytes.size(), FALSE, text.data(), &state, &save);
+    length += g_base64_encode_close(FALSE, text.data() + length, &state, &save);
+    text.resize(length);
+    return text;
+}
+
 } // namespace vellum

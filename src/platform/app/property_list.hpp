@@ -26,4 +26,11 @@ inline constexpr size_t kMaximumPropertyListNesting = 64;
 // stated, declares a document type or uses an entity other than XML's five; and when memory is exhausted.
 Ref<const void> ReadPropertyList(const void *bytes, size_t length) noexcept;
 
+// The property list of a value, laid out for people: ReadPropertyList gives an equal value back. Null for
+// what has no form there: values other than strings, numbers, booleans, data, arrays and dictionaries; keys
+// that are no strings; text that XML cannot hold, such as control characters; what is no number (NaN); what
+// is larger or nested deeper than stated; containers with a caller's callbacks. And when memory is
+// exhausted.
+Ref<const ValData> WritePropertyList(const void *value) noexcept;
+
 } // namespace vellum

@@ -1,42 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "platform/fs/line_file.hpp"
 
+#include "platform/fs/file_limit_guard.hpp"
+
 #include <fcntl.h>
-#include <pthread.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <ctime>
 
 namespace vellum {
-
-namespace {
-
-// Keeps SIGXFSZ, which a file at its limit raises, from ending the process.
-class FileLimitGuard {
-public:
-    FileLimitGuard() noexcept {
-        ::sigemptyset(&signals_);
-        ::sigaddset(&signals_, SIGXFSZ);
-        ::pthread_sigmask(SIG_BLOCK, &signals_, &former_);
-    }
-    FileLimitGuard(const FileLimitGuard &) = delete;
-    FileLimitGuard &operator=(const FileLimitGuard &) = delete;
-    ~FileLimitGuard() {
-        const int error = errno;
-        const timespec now{};
-        if (!::sigismember(&former_, SIGXFSZ)) ::sigtimedwait(&signals_, nullptr, &now);
-        ::pthread_sigmask(SIG_SETMASK, &former_, nullptr);
-        errno = error;
-    }
-
-private:
-    sigset_t signals_{};
-    sigset_t former_{};
-};
-
-} // namespace
 
 bool TLineFile::Open(const char *path) noexcept {
     constexpr mode_t kOwnerAlone = 0600;
