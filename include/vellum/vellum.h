@@ -438,12 +438,28 @@ enum {
 };
 
 /*
- * The setting of one application, null meaning the calling one; "com.orrery.Laydown" names the
- * setting for all. Setting Default removes what was set.
+ * The setting of one application, by its identifier (any text but the empty one). "com.orrery.Laydown"
+ * stands for the setting for all; null for the calling application, which is the one that
+ * "BundleIdentifier" in the Info.vlist of its bundle names, or else the one that Flatpak or the desktop
+ * started it as. A setting of an application goes before the setting for all.
+ *
+ * Get answers Default where nothing is set, and Disable for null in a program that is no application. It
+ * reads the user's preferences, $XDG_CONFIG_HOME/vellum/com.orrery.Fount.vlist, each time.
+ *
+ * Set is on disk when it returns; Default, and what is none of the four, removes what was set. Where
+ * nothing can be kept - the disk is full, there is no home, null in a program that is no application -
+ * nothing changes, and the system's log says why; Get tells.
  */
 VL_EXPORT VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *application) VL_NOEXCEPT;
 VL_EXPORT void VLSetAutoActivationSetting(const ValString *application,
                                           VLAutoActivationSetting setting) VL_NOEXCEPT;
+
+/*
+ * Whether the calling process is a service of the system: started by systemd as one, with no display and no
+ * terminal. No font is searched for a process that is, unless a function of the same name that the program
+ * itself exports says otherwise. Nothing is remembered; false when memory is exhausted.
+ */
+VL_EXPORT bool GetApplicationIsDaemon(void) VL_NOEXCEPT;
 
 /* A message port of a font provider. It is a value: retained and released like one. */
 typedef struct VLMessagePort VLMessagePort;

@@ -8,6 +8,8 @@
 #include <vellum/values.hpp>
 #include <vellum/vellum.h>
 
+#include <atomic>
+
 namespace vellum {
 
 class TAutoActivationManager {
@@ -21,6 +23,25 @@ public:
 
     // The best of them alone.
     Ref<const ValURL> CopyAutoActivatedFont(VLScope scope) const;
+
+    // ---- what the user set: auto_activation_settings.cpp ----
+    // Settings are read anew each time. What cannot be kept is logged. These may throw std::bad_alloc.
+
+    // The setting for all applications; Default when nothing sensible is set.
+    static VLAutoActivationSetting GetAutoActivationSetting();
+    static void SetAutoActivationSetting(VLAutoActivationSetting setting);
+
+    // The setting of one application, by its identifier; null is the calling one. One that has no
+    // identifier reads as Disable and keeps nothing. Whatever is none of Disable, Enable and Ask removes
+    // what was set.
+    static VLAutoActivationSetting GetAutoActivationSetting(const ValString *application);
+    static void SetAutoActivationSetting(const ValString *application, VLAutoActivationSetting setting);
+
+    // The setting that a stored text stands for; Default for any other, and for null.
+    static VLAutoActivationSetting GetSettingForString(const ValString *text);
+
+    // Set where searching failed too often; what is read of the settings clears it once it has changed.
+    static std::atomic<bool> sBeaconQueriesDisabled;
 
 private:
     const Ref<const ValDictionary> request_;
