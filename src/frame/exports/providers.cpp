@@ -5,6 +5,7 @@
 #include "ipc/client/font_provider.hpp"
 #include "ipc/client/message_port_value.hpp"
 #include "ipc/notify/distributed_center.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "values/val_str.hpp"
 
 #include <atomic>
@@ -16,6 +17,7 @@ namespace {
 
 // Without a user info, something may have been missed: the server has been away.
 void HearOfServer(void *, void *, const ValString *, const void *, const ValDictionary *user_info) {
+    const InLibrary inside;
     if (!user_info) AnnounceProvidersAgain();
 }
 

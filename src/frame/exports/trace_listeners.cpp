@@ -4,6 +4,7 @@
 #include "frame/exports/guard.hpp"
 #include "platform/fs/line_file.hpp"
 #include "platform/log/log.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/process.hpp"
 #include "values/json.hpp"
 
@@ -58,6 +59,7 @@ void TellListeners(const ValDictionary *lookup) noexcept {
     const TraceListener listener = tTraceListener;
     if (!listener.callback || listener.is_told) return;
     tTraceListener.is_told = true;
+    const OutsideLibrary calling;
     listener.callback(lookup, listener.context);
     tTraceListener.is_told = false;
 }

@@ -6,6 +6,7 @@
 #include "ipc/client/request_cache.hpp"
 #include "ipc/notify/change_notifications.hpp"
 #include "platform/log/log.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/process.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "store/system_fonts.hpp"
@@ -22,8 +23,10 @@ namespace vellum {
 namespace {
 
 constinit std::atomic<const TGlypharyImp *> sRegistry{nullptr};
-constinit std::atomic<bool> sIsServers{false};              // sRegistry is the font server's proxy
-constinit std::atomic<const TGlypharyImp *> sLeft{nullptr}; // the proxy, once another took its place
+constinit std::atomic<bool> sIsServers{false};                 // sRegistry is the font server's proxy
+constinit std::atomic<const TGlypharyImp *> sLeft{nullptr};    // the proxy, once another took its place
+constinit std::atomic<const TGlypharyImp *> sParents{nullptr}; // the parent's proxy, in a child
+constinit std::atomic<uint32_t> sForks{0};                     // that sRegistry has seen
 pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 
 std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
@@ -32,19 +35,39 @@ std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
     return registry;
 }
 
+// Changes are heard of before the first answer comes: none is missed between the two.
 std::unique_ptr<TGlypharyImp> MakeProxy() {
-    auto proxy = std::make_unique<TGlobalGlypharyImp>();
     ObserveSharedChanges();
-    return proxy;
+    return std::make_unique<TGlobalGlypharyImp>();
+}
+
+// A child that was forked leaves its parent's proxy alone, which a thread of the parent's may have locked,
+// and makes one of its own. Where two threads come here at once, the second has made one in vain.
+void RenewProxyAfterFork() {
+    const uint32_t forks = CountOfForks();
+    if (sForks.load(std::memory_order_acquire) == forks) return;
+    const TGlypharyImp *parents = sRegistry.load(std::memory_order_acquire);
+    if (parents && sIsServers.load(std::memory_order_relaxed)) {
+        ObserveAfterFork();
+        TGenerationSeed::UpdateGeneration();
+        std::unique_ptr<const TGlypharyImp> fresh = std::make_unique<TGlobalGlypharyImp>();
+        if (sRegistry.compare_exchange_strong(parents, fresh.get(), std::memory_order_acq_rel)) {
+            sParents.store(parents, std::memory_order_relaxed);
+            static_cast<void>(fresh.release());
+        }
+    }
+    sForks.store(forks, std::memory_order_release);
 }
 
 // Runs once in a process; nothing may be thrown out of it, and nothing is ever torn down.
 void CreateRegistry() noexcept {
+    const InLibrary inside;
     try {
         const bool is_ignored = TGlobalGlyphary::IsServerIgnored();
         auto registry = is_ignored ? MakeRegisterOfSystemFonts() : MakeProxy();
         if (is_ignored) KeepSharedChangesInProcess();
         sIsServers.store(!is_ignored, std::memory_order_relaxed);
+        sForks.store(CountOfForks(), std::memory_order_relaxed);
         sRegistry.store(registry.release(), std::memory_order_release);
     } catch (...) { // memory is exhausted: this process stays without a shared register
     }
@@ -76,7 +99,11 @@ Ref<const T> CachedOr(const void *question, Ask ask) {
 } // namespace
 
 const TGlypharyImp &TGlobalGlyphary::Current() const {
-    ::pthread_once(&sOnce, CreateRegistry);
+    if (!IsCreated()) {
+        const OutsideLibrary waiting; // perhaps for one who waits for the server; a child begins anew
+        ::pthread_once(&sOnce, CreateRegistry);
+    }
+    RenewProxyAfterFork();
     const TGlypharyImp *registry = sRegistry.load(std::memory_order_acquire);
     if (!registry) throw std::bad_alloc();
     return *registry;

@@ -137,7 +137,7 @@ protected:
         registry_ = nullptr;
         for (;;) {
             const Imp &registry = Current();
-            lock_ = std::unique_lock(registry.Mutex());
+            lock_ = registry.Lock();
             if (&registry == &Current()) {
                 registry_ = &registry;
                 return;

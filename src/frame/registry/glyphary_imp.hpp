@@ -61,6 +61,8 @@ public:
     // The answer of the first of the indexes `first` to `last` that has a name; null when none has.
     Ref<const ValSet> SearchNameIndicesForFonts(uint16_t first, uint16_t last, const ValString *name) const;
 
+    // Locks the mutex, in whatever way does not keep the process from forking.
+    virtual std::unique_lock<std::mutex> Lock() const { return std::unique_lock(mutex_); }
     std::mutex &Mutex() const noexcept { return mutex_; }
 
 private:

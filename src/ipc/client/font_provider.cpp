@@ -6,6 +6,7 @@
 #include "ipc/encoding/flatten_context.hpp"
 #include "ipc/encoding/travelling_values.hpp"
 #include "platform/port/ports.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/per_process.hpp"
 #include "platform/process/process.hpp"
 #include "platform/val/string.hpp"
@@ -50,17 +51,22 @@ public:
 
     // At the beginning, and to a server that has been away.
     void Announce() noexcept {
-        const std::lock_guard lock(mutex_);
+        const auto lock = Lock();
         if (is_registered_ && !has_ended_) TellServer(VLSendAddFontProvider, uuid_);
     }
 
     void Withdraw() noexcept {
-        const std::lock_guard lock(mutex_);
+        const auto lock = Lock();
         has_ended_ = true;
         if (is_registered_ && TellServer(VLSendRemoveFontProvider, uuid_)) is_registered_ = false;
     }
 
 private:
+    std::unique_lock<std::mutex> Lock() noexcept {
+        const OutsideLibrary waiting; // like the one that waits for the server's answer
+        return std::unique_lock(mutex_);
+    }
+
     const std::string uuid_;
     const FontProviderBlock block_;
     std::mutex mutex_; // held over what is told, so that the server hears it in its order
@@ -101,6 +107,7 @@ Ref<const void> Answer(const FontProviderBlock &block, const ValDictionary *requ
     const TValDict entries(Retain(request));
     const auto *attributes = entries.Get<ValDictionary>(ProviderKey("attributes").Get());
     const int32_t process = ReadSInt32(entries[ProviderKey("pid").Get()]);
+    const OutsideLibrary calling;
     return Adopt(block.callback(block.context.get(), attributes, process));
 }
 

@@ -21,7 +21,8 @@ constexpr VLScope kScopeOnTheWire = 0x4003;
 constexpr VLScope kScopeOfSharedLookups = 6;
 
 // As in every register, operations are called with the mutex held, which waits with them for the server.
-// When the server cannot be reached, or answers nonsense, they answer that there is nothing.
+// When the server cannot be reached, or answers nonsense, they answer that there is nothing. A child that
+// was forked has a proxy of its own: its parent's may be locked for ever.
 class TGlobalGlypharyImp final : public TGlypharyImp {
 public:
     // Meets the server.
@@ -90,8 +91,10 @@ public:
     TFontIndex *GetIndex(uint16_t) const override { return nullptr; }
     TFontIndex *GetIndexForProperty(const ValString *) const override { return nullptr; }
 
-    // The server's port, looked up when there is none; kPortNull when there is no server. A child that was
-    // forked looks it up for itself, and its caches are stale.
+    // Who has it locked may wait for the server, and who waits for that one waits outside, too.
+    std::unique_lock<std::mutex> Lock() const override;
+
+    // The server's port, looked up when there is none; kPortNull when there is no server.
     PortName GetServerPort() const noexcept;
 
 private:
@@ -138,7 +141,6 @@ private:
     bool ChangeOne(const char *operation, const ValURL *url, Send send) const;
 
     mutable std::atomic<PortName> server_{kPortNull};
-    mutable std::atomic<uint32_t> forks_{0}; // that server_ has seen
     mutable KeptReplies kept_;
 };
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // How the proxy meets the server: at the beginning, and when the server has gone and come again.
-#include "frame/registry/generation_seed.hpp"
 #include "ipc/client/conversation.hpp"
 #include "ipc/client/request_cache.hpp"
 #include "ipc/client/server_name.hpp"
 #include "ipc/session/tally_log.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "values/val_dictionary.hpp"
 
 #include <time.h>
@@ -27,6 +27,7 @@ bool IsServerInstalled() noexcept {
 }
 
 void SleepASecond() noexcept {
+    const OutsideLibrary waiting;
     timespec left = {1, 0};
     while (::nanosleep(&left, &left) != 0) {
     }
@@ -54,20 +55,19 @@ private:
 };
 
 // Answers of the server that this thread need not ask for.
-void SeedRequestCache(const ValDictionary *answers) noexcept {
-    const TRequestCache cache;
+void SeedRequestCache(const TRequestCache &cache, const ValDictionary *answers) noexcept {
     for (const auto &[request, answer] : TValDict(Retain(answers)))
         cache.AddResultForRequest(answer, request, 0);
 }
 
 } // namespace
 
+std::unique_lock<std::mutex> TGlobalGlypharyImp::Lock() const {
+    const OutsideLibrary waiting;
+    return TGlypharyImp::Lock();
+}
+
 PortName TGlobalGlypharyImp::GetServerPort() const noexcept {
-    const uint32_t forks = CountOfForks();
-    if (forks_.exchange(forks, std::memory_order_relaxed) != forks) {
-        server_.store(kPortNull, std::memory_order_release);
-        TGenerationSeed::UpdateGeneration();
-    }
     PortName port = server_.load(std::memory_order_acquire);
     if (IsPort(port)) return port;
     const ServerName name;
@@ -91,6 +91,7 @@ bool TGlobalGlypharyImp::SetupForIPCRetry(MachCode code, PortName port, uint32_t
 }
 
 void TGlobalGlypharyImp::RendezvousWithServer() const noexcept {
+    const TRequestCache cache; // made before the server is asked
     Meetings meetings;
     const bool is_installed = IsServerInstalled();
     for (uint32_t i = 0; i < kMeetings && !meetings.Succeeded(); ++i) {
@@ -101,7 +102,7 @@ void TGlobalGlypharyImp::RendezvousWithServer() const noexcept {
         if (is_installed && !meetings.Succeeded()) SleepASecond();
     }
     if (meetings.retries > 0 || !meetings.Succeeded()) meetings.Log();
-    SeedRequestCache(Resurrected<ValDictionary>(meetings.common_fonts.bytes).Get());
+    SeedRequestCache(cache, Resurrected<ValDictionary>(meetings.common_fonts.bytes).Get());
 }
 
 } // namespace vellum

@@ -8,6 +8,7 @@
 #include "ipc/notify/pending_notifications.hpp"
 #include "platform/loop/main_loop.hpp"
 #include "platform/notify/notification_center.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/per_process.hpp"
 #include "store/legacy_bridge.hpp"
 #include "values/val_array.hpp"
@@ -103,6 +104,7 @@ void ObserveAfterFork() noexcept {
 
 void FontsChangedCallback(void *, void *, const ValString *, const void *,
                           const ValDictionary *user_info) noexcept {
+    const InLibrary inside;
     TGenerationSeed::UpdateGeneration();
     try {
         DeliverLater(user_info ? user_info : AskAgain().Get());
@@ -112,8 +114,10 @@ void FontsChangedCallback(void *, void *, const ValString *, const void *,
 
 void DistributedFontChangedCallback(void *, void *, const ValString *, const void *,
                                     const ValDictionary *user_info) noexcept {
-    if (const auto callback = FrameworkNotificationCallback())
+    if (const auto callback = FrameworkNotificationCallback()) {
+        const OutsideLibrary calling;
         callback(nullptr, nullptr, kVLFontsChangedNotification, nullptr, user_info);
+    }
     try {
         NotificationCenter::Local().Post(kVLFontsChangedNotification, user_info);
     } catch (...) { // memory is exhausted

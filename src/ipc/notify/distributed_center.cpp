@@ -9,6 +9,7 @@
 #include "platform/port/packet.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "values/val_dictionary.hpp"
 
 #include <pthread.h>
@@ -167,6 +168,7 @@ bool DistributedCenter::ReceiveOne(PacketReceiver &receiver, int socket) noexcep
     IncomingMessage message;
     uint64_t instance = 0;
     if (receiver.Receive(socket, true, message, instance) != PacketResult::kDone) return false;
+    const InLibrary inside;
     ReceivedArguments arguments;
     if (message.bytes.empty() || message.Header().id != kTellRow.id ||
         !ReadRequest(kTellRow, message, arguments))
@@ -184,6 +186,7 @@ bool DistributedCenter::ReceiveOne(PacketReceiver &receiver, int socket) noexcep
 }
 
 void DistributedCenter::TellOfGap() noexcept {
+    const InLibrary inside;
     observers_.PostToAll(nullptr);
 }
 

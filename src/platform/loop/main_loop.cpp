@@ -2,6 +2,7 @@
 #include "platform/loop/main_loop.hpp"
 
 #include "platform/fs/file.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/per_process.hpp"
 
 #include <fcntl.h>
@@ -169,6 +170,7 @@ void AddMainLoopTimer(TimerAction action, void *info) {
 }
 
 int MainLoopDescriptor() noexcept {
+    const InLibrary inside;
     try {
         return Loop().Descriptor();
     } catch (...) { // memory is exhausted
@@ -177,6 +179,7 @@ int MainLoopDescriptor() noexcept {
 }
 
 void FireMainLoopTimers() noexcept {
+    const InLibrary inside;
     try {
         Loop().Fire();
     } catch (...) { // memory is exhausted: there is no loop, and no timer

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notify/notification_center.hpp"
 
+#include "platform/process/fork_gate.hpp"
+
 #include <algorithm>
 #include <iterator>
 
@@ -48,9 +50,11 @@ void NotificationCenter::PostToAll(const ValDictionary *user_info) {
 }
 
 void NotificationCenter::Call(const std::vector<Entry> &observers, const ValDictionary *user_info) {
-    for (const Entry &entry : observers)
-        if (IsThere(entry.number))
-            entry.callback(this, entry.observer, entry.name.Get(), nullptr, user_info);
+    for (const Entry &entry : observers) {
+        if (!IsThere(entry.number)) continue;
+        const OutsideLibrary calling;
+        entry.callback(this, entry.observer, entry.name.Get(), nullptr, user_info);
+    }
 }
 
 } // namespace vellum

@@ -5,6 +5,7 @@
 #include "platform/port/packet.hpp"
 #include "platform/port/port_address.hpp"
 #include "platform/port/service_address.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/process.hpp"
 
 #include <poll.h>
@@ -85,6 +86,7 @@ MessagePortResult WaitForReply(int socket, pid_t process, double seconds) noexce
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(patience);
     const TDescriptor life(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
     if (!life.IsOpen() && errno == ESRCH) return MessagePortResult::kGone;
+    const OutsideLibrary waiting;
     for (;;) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
         pollfd events[] = {{socket, POLLIN, 0}, {life.Get(), POLLIN, 0}};
@@ -125,11 +127,20 @@ struct LocalMessagePort::State : std::enable_shared_from_this<State> {
     }
 
     // Has the main loop answer; false when the port was closed meanwhile.
-    bool Ask(const std::shared_ptr<Question> &question) {
+    bool Ask(const std::shared_ptr<Question> &question, const IncomingMessage &message) {
+        PutBeforeMainLoop(question, message);
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return !handler || question->is_answered; });
+        return handler != nullptr;
+    }
+
+    void PutBeforeMainLoop(const std::shared_ptr<Question> &question, const IncomingMessage &message) {
         struct Call {
             std::shared_ptr<State> state;
             std::shared_ptr<Question> question;
         };
+        const InLibrary inside;
+        question->data = Unwrap(message);
         auto call = std::make_unique<Call>(Call{shared_from_this(), question});
         AddMainLoopTimer(
             [](void *info) noexcept {
@@ -138,9 +149,6 @@ struct LocalMessagePort::State : std::enable_shared_from_this<State> {
             },
             call.get());
         call.release();
-        std::unique_lock lock(mutex);
-        changed.wait(lock, [&] { return !handler || question->is_answered; });
-        return handler != nullptr;
     }
 
     void Answer(Question &question) noexcept {
@@ -171,8 +179,7 @@ struct LocalMessagePort::State : std::enable_shared_from_this<State> {
             return false;
         const auto question = std::make_shared<Question>();
         question->id = message.Header().id;
-        question->data = Unwrap(message);
-        if (!Ask(question)) return false;
+        if (!Ask(question, message)) return false;
         return SendPacket(socket, 0, Wrap(question->id, question->answer.Get()), false) ==
                PacketResult::kDone;
     }

@@ -2,6 +2,7 @@
 #include "platform/port/packet.hpp"
 
 #include "platform/port/foreign_descriptors.hpp"
+#include "platform/process/fork_gate.hpp"
 
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -58,13 +59,19 @@ public:
         header.msg_iov = pieces_.data();
         header.msg_iovlen = piece_count_;
         if (file_count_) AttachFiles(header);
+        if (!wait) return Send(socket, header, MSG_DONTWAIT);
+        const OutsideLibrary waiting;
+        return Send(socket, header, 0);
+    }
+
+private:
+    static PacketResult Send(int socket, const msghdr &header, int flags) noexcept {
         ssize_t sent;
-        do sent = ::sendmsg(socket, &header, MSG_NOSIGNAL | (wait ? 0 : MSG_DONTWAIT));
+        do sent = ::sendmsg(socket, &header, MSG_NOSIGNAL | flags);
         while (sent < 0 && errno == EINTR);
         return sent < 0 ? ResultOfErrno() : PacketResult::kDone;
     }
 
-private:
     void Add(const void *bytes, size_t length) noexcept {
         pieces_[piece_count_++] = {const_cast<void *>(bytes), length};
     }
@@ -200,6 +207,13 @@ bool TakeMemory(const PacketHeader &header, std::span<const MachDescriptor> stat
     return true;
 }
 
+ssize_t ReceiveInto(msghdr &header, int socket, int flags) noexcept {
+    ssize_t received;
+    do received = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC | flags);
+    while (received < 0 && errno == EINTR);
+    return received;
+}
+
 } // namespace
 
 PacketResult SendPacket(int socket, uint64_t instance, const OutgoingMessage &message, bool wait) noexcept {
@@ -241,8 +255,12 @@ PacketResult PacketReceiver::Receive(int socket, bool wait, IncomingMessage &mes
     header.msg_control = control.data();
     header.msg_controllen = control.size();
     ssize_t received;
-    do received = ::recvmsg(socket, &header, MSG_CMSG_CLOEXEC | (wait ? 0 : MSG_DONTWAIT));
-    while (received < 0 && errno == EINTR);
+    if (wait) {
+        const OutsideLibrary waiting;
+        received = ReceiveInto(header, socket, 0);
+    } else {
+        received = ReceiveInto(header, socket, MSG_DONTWAIT);
+    }
     if (received < 0) return ResultOfErrno();
     Descriptors descriptors;
     size_t count = 0;

@@ -3,9 +3,9 @@
 
 #include "platform/port/packet.hpp"
 #include "platform/port/service_address.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/process/per_thread.hpp"
 
-#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
@@ -28,35 +28,17 @@ struct Service {
     explicit Service(const char *service_name) : name(service_name) {}
 
     const std::string name;
-    std::atomic<uint64_t> instance{0};    // 0 until it has answered
-    std::atomic<int64_t> silent_until{0}; // by the steady clock; 0 while it answers in time
+    const uint32_t forks = CountOfForks(); // whose it is: a child of the process has none of its names
+    std::atomic<uint64_t> instance{0};     // 0 until it has answered
+    std::atomic<int64_t> silent_until{0};  // by the steady clock; 0 while it answers in time
     std::atomic<bool> is_dead{false};
 };
 
-constinit std::mutex sMutex; // guards the next two, and is held while the process forks
+constinit std::mutex sMutex; // guards the next two
 constinit PortName sLastName = kPortNull;
 std::map<PortName, std::shared_ptr<Service>> &Services() {
     static auto *const services = new std::map<PortName, std::shared_ptr<Service>>;
     return *services;
-}
-
-constinit std::atomic<uint32_t> sForks{0};
-
-void LockNames() {
-    sMutex.lock();
-}
-void UnlockNames() {
-    sMutex.unlock();
-}
-void BeginAsAChild() {
-    Services().clear();
-    sForks.fetch_add(1, std::memory_order_relaxed);
-    sMutex.unlock();
-}
-
-void NoticeForks() noexcept {
-    static pthread_once_t once = PTHREAD_ONCE_INIT;
-    ::pthread_once(&once, [] { ::pthread_atfork(LockNames, UnlockNames, BeginAsAChild); });
 }
 
 PortName NextName() noexcept {
@@ -157,7 +139,8 @@ TDescriptor Connect(const std::string &name) {
 std::shared_ptr<Service> FindService(PortName port) noexcept {
     const std::lock_guard lock(sMutex);
     const auto found = Services().find(port);
-    return found == Services().end() ? nullptr : found->second;
+    const bool is_there = found != Services().end() && found->second->forks == CountOfForks();
+    return is_there ? found->second : nullptr;
 }
 
 // The thread's connection to a port, made if it is not there yet; null when nobody answers.
@@ -258,6 +241,7 @@ MachCode bootstrap_look_up(const char *service, PortName &port) noexcept {
         if (!socket.IsOurs()) return kBootstrapUnknownService;
         auto found = std::make_shared<Service>(service);
         const std::lock_guard lock(sMutex);
+        std::erase_if(Services(), [](const auto &one) { return one.second->forks != CountOfForks(); });
         const PortName name = NextName();
         mine->connections.reserve(mine->connections.size() + 1);
         Services().emplace(name, found);
@@ -304,11 +288,6 @@ MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply, long p
     } catch (...) { // memory is exhausted
         return kMachSendNoBuffer;
     }
-}
-
-uint32_t CountOfForks() noexcept {
-    NoticeForks();
-    return sForks.load(std::memory_order_relaxed);
 }
 
 } // namespace vellum

@@ -3,7 +3,8 @@
 //
 // A name stands for one life of a service: when that ends, the name is dead, and a new one is looked up.
 // Each thread has a connection of its own to each service that it asks, on which it waits for its replies:
-// no lock is held while a thread waits. A child that was forked starts without names and connections.
+// no lock is held while a thread waits. A child that was forked starts without names and connections; its
+// parent must have called these inside the library (fork_gate.hpp).
 // All functions may be called on any thread; none throws.
 #pragma once
 
@@ -32,9 +33,5 @@ void mig_dealloc_reply_port(PortName reply_port) noexcept;
 // thread's until its next call.
 MachCode mach_msg(const OutgoingMessage &request, IncomingMessage &reply,
                   long patience = kReplyPatience) noexcept;
-
-// How often this process has been forked off since it first asked this: names that were given before the
-// number moved are dead. Unlike a process's identifier, it costs no call of the system.
-uint32_t CountOfForks() noexcept;
 
 } // namespace vellum

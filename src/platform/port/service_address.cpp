@@ -3,6 +3,7 @@
 
 #include "platform/fs/private_folder.hpp"
 #include "platform/port/socket_address.hpp"
+#include "platform/process/fork_gate.hpp"
 
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -47,6 +48,7 @@ TDescriptor ConnectToService(const char *name, long patience) noexcept {
     // Bounds what connecting to somebody who takes nobody in may take, and sending as well.
     const timeval limit = {patience, 0};
     ::setsockopt(socket.Get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    const OutsideLibrary waiting;
     int result;
     do result = ::connect(socket.Get(), address.Get(), SocketAddress::Size());
     while (result != 0 && errno == EINTR);

@@ -3,6 +3,7 @@
 //
 // A set of count 0 may still stand in the table while its last releaser waits for the mutex to take
 // it out. It is never handed out again, and an equal one may stand beside it until then.
+#include "platform/process/fork_gate.hpp"
 #include "platform/val/character_set.hpp"
 
 #include <bit>
@@ -67,11 +68,13 @@ constinit SharedSets sSharedSets;
 
 Ref<const ValCharacterSet> ShareCharacterSet(Ref<const ValCharacterSet> set) noexcept {
     if (!set) return nullptr;
+    const InLibrary inside;
     const ValCharacterSet *other = sSharedSets.Share(set.Get(), ValHash(set.Get()));
     return other ? Ref<const ValCharacterSet>::Adopt(other) : set;
 }
 
 void ForgetSharedCharacterSet(const ValCharacterSet *set) noexcept {
+    const InLibrary inside; // programs release sets, too
     sSharedSets.Forget(set, ValHash(set));
 }
 
