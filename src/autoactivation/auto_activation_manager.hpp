@@ -40,6 +40,22 @@ public:
     // The setting that a stored text stands for; Default for any other, and for null.
     static VLAutoActivationSetting GetSettingForString(const ValString *text);
 
+    // ---- what is not looked for, and not taken: search_policy.cpp, refused_requests.cpp ----
+
+    // Whether the user refused the fonts of an equal request before, in this process.
+    static bool IsRequestDisallowed(const ValDictionary *request) noexcept;
+
+    // Remembers a request (retained) as refused, for as long as the process lives. Of two threads that do
+    // so at once, one may not be heard. May throw std::bad_alloc.
+    static void DisallowRequestInTheFuture(const ValDictionary *request);
+
+    // Whether a font can be searched by a name of the kind that a property key says.
+    static bool IsValidNameToQuery(const ValString *name, const ValString *key) noexcept;
+
+    // Whether a font file may be activated: nobody put a mark beside it or at the root of its volume that
+    // says otherwise, and it is no printer's font. May throw std::bad_alloc.
+    static bool IsValidFileForAutoActivation(const ValURL *file);
+
     // Set where searching failed too often; what is read of the settings clears it once it has changed.
     static std::atomic<bool> sBeaconQueriesDisabled;
 
