@@ -77,34 +77,40 @@ void FontFolders::FinishLater(Round round, std::function<void()> then) {
     });
 }
 
-// True when there is something to be read of the first folder. It is watched before it is read: what comes
-// meanwhile is seen twice rather than never.
-bool FontFolders::Begin(Round &round) {
-    const FolderToRead folder = round.folders.front();
+// False for a folder that was read already, and where there are too many.
+bool FontFolders::IsToBeRead(const FolderToRead &folder, const Round &round) {
     const auto known = folders_.find(folder.path);
     if (known != folders_.end()) {
         const bool is_deeper = folder.depth == FolderDepth::kTree && known->second.depth != folder.depth;
         const bool is_done = folder.again == Again::kWithThoseBelow && round.begin != 0 &&
                              known->second.reading >= round.begin;
-        if (is_done || (folder.again == Again::kNo && !is_deeper)) return false;
-    } else if (folders_.size() >= kMostFolders) {
-        if (!std::exchange(is_full_, true))
-            Log(LogLevel::kWarning,
-                "Fonts are not looked for in %s and further folders: there are too many",
-                folder.path.c_str());
-        return false;
+        return !is_done && (folder.again != Again::kNo || is_deeper);
     }
-    const bool is_watched = Watch(folder.path);
+    if (folders_.size() < kMostFolders) return true;
+    if (!std::exchange(is_full_, true))
+        Log(LogLevel::kWarning, "Fonts are not looked for in %s and further folders: there are too many",
+            folder.path.c_str());
+    return false;
+}
+
+// True when there is something to be read of the first folder. It is watched before it is read: what comes
+// meanwhile is seen twice rather than never.
+bool FontFolders::Begin(Round &round) {
+    const FolderToRead folder = round.folders.front();
+    if (!IsToBeRead(folder, round)) return false;
+    const bool is_watched = watch_.Add(folder.path);
+    const int error = is_watched ? 0 : errno;
     struct stat status;
-    if (!FindFolder(folder.path, status)) { // it has gone before its turn came
+    if (error == ENOENT || error == ENOTDIR || !FindFolder(folder.path, status)) {
+        LetGo(folder.path, round); // it has gone before its turn came; another may have come by now
         Unwatch(folder.path);
-        LetGo(folder.path, round);
         return false;
     }
     if (!IsOfFiles(folder.path)) {
         Unwatch(folder.path);
         return false;
     }
+    if (error == ENOSPC) SayThatItIsScarce(folder.path);
     if (FontRoot *root = roots_.Find(folder.path)) {
         root->device = status.st_dev;
         root->inode = status.st_ino;
@@ -118,16 +124,11 @@ bool FontFolders::Begin(Round &round) {
     return true;
 }
 
-// False when it has to be polled.
-bool FontFolders::Watch(const std::string &path) {
-    if (watch_.Add(path)) return true;
-    if (errno == ENOSPC && !std::exchange(is_scarce_, true))
-        Log(LogLevel::kWarning,
-            "The system has no room to watch %s and further folders: what changes there is looked for "
-            "every "
-            "%d milliseconds",
-            path.c_str(), static_cast<int>(PollPeriod().count()));
-    return false;
+void FontFolders::SayThatItIsScarce(const std::string &path) {
+    if (std::exchange(is_scarce_, true)) return;
+    Log(LogLevel::kWarning,
+        "The system has no room to watch %s and further folders: they are looked at every %d milliseconds",
+        path.c_str(), static_cast<int>(PollPeriod().count()));
 }
 
 // False when the first folder has been read.

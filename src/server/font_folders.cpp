@@ -7,6 +7,7 @@
 #include <sys/inotify.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
@@ -86,18 +87,21 @@ bool FontFolders::Unregister(const std::string &asked, bool on_disk) {
 
 // Takes in a root, or waits for it. What happens between the look and the watch is looked for again.
 void FontFolders::Enter(FontRoot &root, Round &round) {
+    root.awaited_in.clear();
     do {
         if (!LeadsToFolder(root.path.c_str())) continue;
+        root.awaited_in.clear();
         const bool is_known = folders_.contains(root.path);
         return round.Read(root.path, root.depth, is_known ? Again::kWithThoseBelow : Again::kNo);
     } while (Await(root));
 }
 
-// Watches the nearest folder that is there; true when there is more by now.
-bool FontFolders::Await(const FontRoot &root) {
+// Watches the nearest folder that is there; true when there is more by now, or less.
+bool FontFolders::Await(FontRoot &root) {
     const std::string above = FolderAbove(root.path);
+    if (!watch_.Add(above)) return errno == ENOENT || errno == ENOTDIR; // polling finds out about others
     awaited_.insert(above);
-    if (!watch_.Add(above)) return false; // it is found out when folders are polled
+    root.awaited_in = above;
     return LeadsToFolder(root.path.c_str()) || FolderAbove(root.path) != above;
 }
 
@@ -105,20 +109,11 @@ bool FontFolders::Await(const FontRoot &root) {
 void FontFolders::LookForAwaited(const std::string &path, Round &round) {
     std::set<std::string> needed;
     for (auto &[name, root] : roots_) {
-        if (root.inode != 0) continue;
-        if (path.empty() || IsAtOrBelow(name, path)) Enter(root, round);
-        if (!LeadsToFolder(root.path.c_str())) needed.insert(FolderAbove(root.path));
+        if (root.inode == 0 && (path.empty() || IsAtOrBelow(name, path))) Enter(root, round);
+        if (!root.awaited_in.empty()) needed.insert(root.awaited_in);
     }
-    if (!std::ranges::includes(awaited_, needed)) return; // one has come just now, of which we shall hear
-    for (auto at = awaited_.begin(); at != awaited_.end();) {
-        const std::string folder = *at;
-        if (needed.contains(folder)) {
-            ++at;
-            continue;
-        }
-        at = awaited_.erase(at);
-        Unwatch(folder);
-    }
+    awaited_.swap(needed);
+    for (const std::string &folder : needed) Unwatch(folder);
 }
 
 // Nobody has it watched any more, unless it is needed otherwise.

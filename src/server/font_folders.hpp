@@ -90,7 +90,7 @@ private:
 
     // ---- font_folders.cpp: roots, events ----
     void Enter(FontRoot &root, Round &round);
-    bool Await(const FontRoot &root);
+    bool Await(FontRoot &root);
     void LookForAwaited(const std::string &path, Round &round);
     void LetGo(const std::string &path, Round &round);
     void Unwatch(const std::string &path) noexcept;
@@ -103,8 +103,9 @@ private:
     // ---- font_folder_rounds.cpp: what rounds do ----
     bool Slice(Round &round);
     void FinishLater(Round round, std::function<void()> then = {});
+    bool IsToBeRead(const FolderToRead &folder, const Round &round);
     bool Begin(Round &round);
-    bool Watch(const std::string &path);
+    void SayThatItIsScarce(const std::string &path);
     bool ReadOn(Round &round);
     void EndReading(const Folder &folder, Round &round);
     void LookAt(const FileToLookAt &file, FolderNews &news);

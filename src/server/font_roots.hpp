@@ -21,6 +21,7 @@ struct FontRoot {
     VLFontFlags flags; // theirs, too
     bool is_registered = false;
     uint64_t device = 0, inode = 0; // of the folder that was taken in last; 0 while there is none
+    std::string awaited_in = {};    // the folder that is watched, then, for it to come
 };
 
 class FontRoots {
