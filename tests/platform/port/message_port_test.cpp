@@ -4,12 +4,12 @@
 #include "platform/port/message_port.hpp"
 #include "platform/port/port_address.hpp"
 #include "platform/port/service_address.hpp"
+#include "support/other_process.hpp"
 #include "support/temp_dir.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -47,52 +47,10 @@ void RunLoopUntil(const std::function<bool()> &is_done) {
     }
 }
 
-// Another process, which ends with this at the latest.
-class Process {
-public:
-    explicit Process(const std::function<void()> &work) {
-        int ready[2];
-        EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
-        const int self_ready = ready[1];
-        process_ = ::fork();
-        if (process_ == 0) {
-            sReady = self_ready;
-            work();
-            ::_exit(0);
-        }
-        ::close(ready[1]);
-        char byte;
-        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
-        ::close(ready[0]);
-    }
-    ~Process() {
-        ::kill(process_, SIGKILL);
-        Wait();
-    }
-    Process(const Process &) = delete;
-    Process &operator=(const Process &) = delete;
-
-    // To be called by the work once the test may go on.
-    static void IsReady() { EXPECT_EQ(::write(sReady, "x", 1), 1); }
-
-    pid_t ID() const { return process_; }
-    int Wait() {
-        if (!is_over_) ::waitpid(process_, &status_, 0);
-        is_over_ = true;
-        return status_;
-    }
-
-private:
-    static inline int sReady = -1;
-    pid_t process_;
-    bool is_over_ = false;
-    int status_ = -1;
-};
-
 // One that answers under a name until it is killed.
 void Serve(const char *name, const Handler &handler) {
     const Port port = LocalMessagePort::Create(name, handler);
-    if (port) Process::IsReady();
+    if (port) OtherProcess::IsReady();
     RunLoopUntil([] { return false; });
 }
 
@@ -129,7 +87,7 @@ protected:
 };
 
 TEST_F(MessagePort, OfAnotherProcessAnswers) {
-    const Process other([] { Serve("p", Echo()); });
+    const OtherProcess other([] { Serve("p", Echo()); });
     const RemoteMessagePort port(other.ID(), "p");
     Ref<const ValData> reply;
     ASSERT_TRUE(port.IsValid());
@@ -147,9 +105,9 @@ TEST_F(MessagePort, IsGoneFromTheMomentThatItEnds) {
 }
 
 TEST_F(MessagePort, IsNotWaitedForLongerThanTheAskerSays) {
-    const Process deaf([] {
+    const OtherProcess deaf([] {
         const Port port = LocalMessagePort::Create("p", Echo());
-        Process::IsReady();
+        OtherProcess::IsReady();
         ::pause();
     });
     Ref<const ValData> reply;
@@ -160,7 +118,7 @@ TEST_F(MessagePort, IsNotWaitedForLongerThanTheAskerSays) {
 TEST_F(MessagePort, IsGoneWithItsProcessThoughAChildOfThatKeepsItOpen) {
     int life[2]; // of the child: it ends with this process
     ASSERT_EQ(::pipe2(life, O_CLOEXEC), 0);
-    const Process other([&] {
+    const OtherProcess other([&] {
         ::close(life[1]);
         Serve("p", [&](int32_t, const ValData *) -> Ref<const ValData> {
             char byte;
@@ -177,9 +135,9 @@ TEST_F(MessagePort, IsGoneWithItsProcessThoughAChildOfThatKeepsItOpen) {
 
 TEST_F(MessagePort, IsNotAskedWhereAnotherProcessAnswers) {
     const std::string service = Own("p");
-    const Process other([&] {
+    const OtherProcess other([&] {
         const TDescriptor socket = ListenAsService(service.c_str());
-        Process::IsReady();
+        OtherProcess::IsReady();
         ::pause();
     });
     ASSERT_TRUE(Answers(service.c_str()));
@@ -188,9 +146,9 @@ TEST_F(MessagePort, IsNotAskedWhereAnotherProcessAnswers) {
 
 TEST_F(MessagePort, DoesNotTakeTheNameOfOneThatAnswers) {
     const std::string service = Own("p");
-    const Process other([&] {
+    const OtherProcess other([&] {
         const TDescriptor socket = ListenAsService(service.c_str());
-        Process::IsReady();
+        OtherProcess::IsReady();
         ::pause();
     });
     EXPECT_FALSE(LocalMessagePort::Create("p", Echo()));
