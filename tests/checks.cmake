@@ -123,7 +123,7 @@ foreach(source ${fuzzers})
     get_filename_component(target ${source} NAME_WE)
     string(REGEX REPLACE "_fuzzer$" "" name ${target})
     add_executable(${name}_replay ${source} ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
-    target_link_libraries(${name}_replay PRIVATE vellum_internal)
+    target_link_libraries(${name}_replay PRIVATE vellum_internal $<$<STREQUAL:${name},index_query>:vellum_beacon_objects>)
     vellum_add_check(replay.${name} replay
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/run_in_own_home.py
             $<TARGET_FILE:${name}_replay> ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
