@@ -22,10 +22,12 @@ bool Exists(const std::string &path) noexcept {
     return ::stat(path.c_str(), &status) == 0;
 }
 
-// Anybody can put a file into a folder for all, above the folder of a program.
+// Anybody can put a file into a folder for all, above the folder of a program, and write into a file for
+// all.
 bool IsOfUserOrRoot(const std::string &path) noexcept {
     struct stat status;
-    return ::stat(path.c_str(), &status) == 0 && (status.st_uid == 0 || status.st_uid == ::geteuid());
+    return ::stat(path.c_str(), &status) == 0 && (status.st_uid == 0 || status.st_uid == ::geteuid()) &&
+           (status.st_mode & S_IWOTH) == 0;
 }
 
 Ref<const ValDictionary> ReadInfo(const std::string &path) {

@@ -21,8 +21,9 @@ struct MainBundle {
     // The path of a resource; empty when it is not there. The folder of all has the empty name.
     std::string ResourcePath(const std::string &name) const;
 
-    // The bundle of this process; none without. It is believed when it belongs to the user or to root, and
-    // never in a program that runs with more rights than its caller. Throws std::bad_alloc.
+    // The bundle of this process; none without. It is believed when it belongs to the user or to root
+    // and not everybody may write to it, and never in a program that runs with more rights than its caller.
+    // Throws std::bad_alloc.
     static std::optional<MainBundle> OfProcess();
 
     // The bundle of an executable, by its absolute path.

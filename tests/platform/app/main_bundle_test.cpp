@@ -4,6 +4,7 @@
 #include "support/values.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <string>
@@ -54,6 +55,15 @@ TEST(MainBundles, AreNotBelievedWhenTheFileBelongsToSomebodyElse) {
     EXPECT_TRUE(MainBundle::Of(folder.File("program")));
     ASSERT_EQ(::chown(path.c_str(), 65534, 65534), 0);
     EXPECT_FALSE(MainBundle::Of(folder.File("program")));
+}
+
+TEST(MainBundles, AreNotBelievedWhenEverybodyMayWriteToTheFile) {
+    const TempDir folder;
+    const std::string path = folder.Write("Info.vlist", kInfo);
+    ASSERT_EQ(::chmod(path.c_str(), 0646), 0);
+    EXPECT_FALSE(MainBundle::Of(folder.File("program")));
+    ASSERT_EQ(::chmod(path.c_str(), 0664), 0);
+    EXPECT_TRUE(MainBundle::Of(folder.File("program")));
 }
 
 TEST(MainBundles, HaveResources) {
