@@ -61,7 +61,7 @@ if(NOT VELLUM_SANITIZE)
 endif()
 
 # ---- the tool --------------------------------------------------------------------------------------
-foreach(verb inspect coverage fontinfo list match text change monitor server)
+foreach(verb inspect coverage fontinfo list match text change monitor server policy)
     vellum_add_check(tools.${verb} tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)
 endforeach()

@@ -9,6 +9,7 @@
 #include "tools/list.hpp"
 #include "tools/match.hpp"
 #include "tools/monitor.hpp"
+#include "tools/policy.hpp"
 #include "tools/provider.hpp"
 #include "tools/runs.hpp"
 #include "tools/server.hpp"
@@ -63,6 +64,7 @@ int Run(int count, char **arguments) {
     AddMonitor(app, result);
     AddServer(app, result);
     AddProvider(app, result);
+    AddPolicy(app, result);
     AddStatus(app, result);
     AddDoctor(app, result);
 
