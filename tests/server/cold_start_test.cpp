@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 
 namespace vellum::test {
 namespace {
@@ -23,20 +24,27 @@ constexpr char kFonts[] = "com.orrery.FontServer";
 
 class ColdStart : public ::testing::Test {
 protected:
-    static constexpr size_t kCount = 3000;
+    static constexpr size_t kCount = 10'000;
 
+    // One font under many names: reading them takes a while, making them does not.
     ColdStart() {
-        for (size_t i = 0; i < kCount; ++i) {
-            const std::string family = "F" + std::to_string(i);
-            server.System().Write(RunningServer::SystemFolder() + "/" + family + ".ttf",
-                                  MakeFont({family}));
-        }
+        const std::string folder = RunningServer::SystemFolder() + "/";
+        const std::string first = server.System().Write(folder + "0.ttf", MakeFont({"F"}));
+        for (size_t i = 1; i < kCount; ++i)
+            std::filesystem::create_hard_link(first,
+                                              server.System().File(folder + std::to_string(i) + ".ttf"));
     }
 
-    ~ColdStart() override {
-        if (process_ <= 0) return;
-        ::kill(process_, SIGKILL);
-        ::waitpid(process_, nullptr, 0);
+    ~ColdStart() override { End(SIGKILL); }
+
+    // What waitpid says of the server.
+    int End(int signal) {
+        int status = -1;
+        if (process_ <= 0) return status;
+        ::kill(process_, signal);
+        ::waitpid(process_, &status, 0);
+        process_ = -1;
+        return status;
     }
 
     // Starts the server, and returns as soon as somebody could connect to it.
@@ -76,26 +84,26 @@ TEST_F(ColdStart, ClientThatComesBeforeAllFontsAreThereFindsThemAll) {
 }
 
 TEST_F(ColdStart, ServerSaysSoonThatItCannotAnswerYet) {
-    Begin();
+    MachCode code = kMachSuccess;
     PortName port = kPortNull;
-    ASSERT_EQ(bootstrap_look_up(kFonts, port), kMachSuccess);
-    const OutgoingMessage request =
-        WriteRequest(*FindMessageRow(kRendezvous), port, mig_get_reply_port(), {});
-    IncomingMessage message;
-    ReceivedReply reply;
-    ASSERT_EQ(mach_msg(request, message, 2), kMachSuccess);
-    EXPECT_EQ(ReadReply(*FindMessageRow(kRendezvous), message, reply), kMachAskAgain);
+    for (int i = 0; i < 10 && code != kMachAskAgain; ++i) { // this machine may be slow to ask
+        End(SIGKILL);
+        Begin();
+        ASSERT_EQ(bootstrap_look_up(kFonts, port), kMachSuccess);
+        const MessageRow &row = *FindMessageRow(kRendezvous);
+        IncomingMessage message;
+        ReceivedReply reply;
+        ASSERT_EQ(mach_msg(WriteRequest(row, port, mig_get_reply_port(), {}), message, 3), kMachSuccess);
+        code = ReadReply(row, message, reply);
+    }
+    EXPECT_EQ(code, kMachAskAgain);
     ReplyMemory fonts; // and this asks again
     EXPECT_EQ(VLSendCopyAvailableFonts(port, kVLScopeUser, fonts), kMachSuccess);
 }
 
 TEST_F(ColdStart, ServerEndsWhenItIsToldToBeforeAllFontsAreThere) {
     Begin();
-    ::kill(process_, SIGTERM);
-    int status = -1;
-    ::waitpid(process_, &status, 0);
-    process_ = -1;
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(End(SIGTERM), 0);
     EXPECT_FALSE(ServiceHasSocket(kFonts));
 }
 

@@ -7,14 +7,14 @@ import unittest
 
 import wire
 from hostile_case import HostileCase
-from running_server import HUB, IS_SANITIZED, PATIENCE
+from running_server import HUB, PATIENCE
 from test_values import BROKEN, NULL
 from wire import OBSERVE, POST, flat
 
 CHANGED = "com_orrery_Laydown_FontManagerChangedNotification"
 MISSED = flat({})  # what is told when something could not be
 LONGEST = 2 << 20  # bytes that are told at once
-AT_ONCE = 2.5 if IS_SANITIZED else 0.5  # seconds: less than a silent observer has
+AT_ONCE = 0.8  # seconds: less than a silent observer has
 OBSERVING = wire.packet(wire.message(OBSERVE, "", [])[0])
 
 
