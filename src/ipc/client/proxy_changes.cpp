@@ -51,7 +51,7 @@ TGlobalGlypharyImp::ChangedFonts TGlobalGlypharyImp::ChangeFonts(const char *ope
                               return send(port, *memory, scope & kScopeOnTheWire, reply);
                           });
     if (!NoteChange(is_heard)) return {};
-    return {true, reply.result != 0, Resurrected<ValArray>(reply.failed.bytes)};
+    return {true, reply.result != 0, OnlyOfKind<ValURL>(Resurrected<ValArray>(reply.failed.bytes))};
 }
 
 template <class Send>

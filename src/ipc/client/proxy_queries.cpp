@@ -15,6 +15,21 @@ Ref<const ValDictionary> RequestForURL(const ValURL *url) {
     return request.Publish();
 }
 
+// Without what are no properties of a font. An honest server's answer is kept as it is.
+Ref<const ValDictionary> PropertiesByFont(Ref<const ValDictionary> answer) {
+    const TValDict entries(std::move(answer));
+    const auto is_one = [](const void *font, const void *properties) {
+        return Cast<ValURL>(font) && Cast<ValDictionary>(properties);
+    };
+    size_t count = 0;
+    for (const auto &[font, properties] : entries) count += is_one(font, properties);
+    if (count == entries.Count()) return entries.Ref();
+    TValMutableDict kept;
+    for (const auto &[font, properties] : entries)
+        if (is_one(font, properties)) kept.Set(font, properties);
+    return kept.Publish();
+}
+
 } // namespace
 
 Ref<const ValArray> TGlobalGlypharyImp::CopyPropertiesForFontsMatchingRequest(const ValDictionary *request,
@@ -53,9 +68,10 @@ Ref<const ValDictionary> TGlobalGlypharyImp::CopyPropertiesForFonts(const ValArr
                                                                     const ValSet *keys, VLScope) const {
     const auto fonts = Flattened(urls), wanted = Flattened(keys);
     if (!fonts || !wanted) return nullptr;
-    return Ask<ValDictionary>("CopyPropertiesForFonts", [&](PortName port, ReplyMemory &reply) {
-        return VLSendCopyPropertiesForFonts(port, *fonts, *wanted, reply);
-    });
+    return PropertiesByFont(
+        Ask<ValDictionary>("CopyPropertiesForFonts", [&](PortName port, ReplyMemory &reply) {
+            return VLSendCopyPropertiesForFonts(port, *fonts, *wanted, reply);
+        }));
 }
 
 Ref<const ValDictionary> TGlobalGlypharyImp::CopyPropertyForFonts(const ValArray *urls,

@@ -6,9 +6,11 @@ import os
 import socket
 import struct
 import subprocess
+import tempfile
 import time
 import unittest
 
+import small_fonts
 import wire
 from false_server import FalseServer, reply_to, reply_with_files
 from running_server import IS_SANITIZED, stopped
@@ -19,6 +21,7 @@ from wire import URL, Set, flat
 TOOL = os.environ["VELLUM_TOOL"]
 IN_TIME = 30 if IS_SANITIZED else 8  # seconds: two meetings of a second each, twice, and what a machine is slow
 DONE, NOTHING_FITS = 0, 1
+PROPERTIES, PROPERTY = 13022, 13023
 QUESTIONS = (("list",), ("match", "Foo"))
 
 
@@ -109,6 +112,23 @@ class Client(unittest.TestCase):
             with self.subTest(what):
                 self.assertEqual(self.run_client(sends(lambda identity: reply_to(identity, flat(items))),
                                                  "list", what), lines)
+
+    def test_survives_properties_of_fonts_that_are_none(self):
+        font = URL("file:///a/file.ttf")
+        for properties in (7, "x", [], NULL, {FAMILY: 7}):
+            def behave(connection, identity, properties=properties):
+                by_font = identity in (PROPERTIES, PROPERTY)
+                connection.send(reply_to(identity, flat({font: properties, 7: {}} if by_font else [font])))
+            with self.subTest(properties):
+                self.run_client(behave, "doctor")
+
+    def test_survives_failed_fonts_that_are_none(self):
+        def behave(connection, identity):
+            connection.send(reply_to(identity, flat([1, "x", NULL, {}]), rest=bytes(4)))
+        path = self.enterContext(tempfile.TemporaryDirectory()) + "/a.ttf"
+        with open(path, "wb") as file:
+            file.write(small_fonts.font("A"))
+        self.run_client(behave, "register", path)
 
     def test_is_not_held_up_by_closing_what_it_was_sent(self):
         def behave(connection, identity):
