@@ -15,6 +15,12 @@
  *  4. Containers. What is handed to a query holds values, under kValValueCallbacks; containers with a
  *     caller's own callbacks, or inside such ones, are bad arguments.
  *  5. Laziness. Loading the library does nothing; the first call that needs a register makes it.
+ *  6. Forks. A child of fork may call everything here, without exec and whatever other threads of its
+ *     parent were doing: a fork waits until they have left the library, though not while they wait for the
+ *     font server or are in a callback, and five seconds at the most. The child has the process's own
+ *     register as its parent had it then, meets the font server for itself, and has its parent's observers.
+ *     What was still to be delivered, and message ports, stay its parent's. posix_spawn and vfork wait for
+ *     nothing. A child that was made past the C library's fork, by a system call, calls nothing here.
  *
  * Fonts stand in two registers: the process's own, which only this process sees, and the shared
  * one. Every function takes a scope word that says which of them is meant.
@@ -408,8 +414,9 @@ VL_EXPORT void VLRemoveFontsChangedObserver(void *observer) VL_NOEXCEPT;
  * descriptor readable again. The descriptor belongs to the library and stays the same; -1 when there is
  * none to be had. A program that does neither never hears of a change.
  *
- * A process that is forked hears of its own changes alone. It asks for its descriptor before it waits for
- * the first time: the number is its parent's, what is behind it is not.
+ * A process that is forked hears nothing of what its parent was still to hear, and of what other processes
+ * change from its first call for shared fonts on. It asks for its descriptor before it waits for the first
+ * time: the number is its parent's, what is behind it is not.
  */
 VL_EXPORT int VLGetNotificationDescriptor(void) VL_NOEXCEPT;
 VL_EXPORT void VLDeliverNotifications(void) VL_NOEXCEPT;
@@ -417,13 +424,33 @@ VL_EXPORT void VLDeliverNotifications(void) VL_NOEXCEPT;
 /* ---- the font server ------------------------------------------------------------------------- */
 
 /*
+ * The shared register is a font server's, one for each user, and every call whose scope has kVLScopeUser or
+ * kVLScopeSession may wait for it: 3 seconds to reach it, 3 until it takes a question, 4 for the answer, 60
+ * for that to a change. One that was silent for so long is not asked again for 5 seconds; meanwhile it
+ * counts as one that does not answer. When the server has started anew, a question is sent again at once,
+ * twice at the most.
+ *
+ * Without an answer, queries find nothing in the shared register and changes of it fail, as rule 2 says.
+ * The first of the VLCopyAvailable... functions, or VLCopyFamilyNamesForLanguage, that gets nothing from
+ * the server makes a register of the system's fonts in this process, which is asked in the server's place
+ * from then on, changed by nobody else, and never left again. The first call of all may take 2 seconds more
+ * where a server is installed that does not answer.
+ *
+ * With the environment variable VELLUM_IGNORE_SERVER set to "1" or "YES" when the shared register is first
+ * needed, the process has such a register from the beginning, and never asks the server for anything.
+ */
+
+/*
  * Whether a font server answers this user now. Nothing else is asked or made: a program that does without
  * the shared register where there is none looks here first, and sets VELLUM_IGNORE_SERVER before it asks
- * for fonts.
+ * for fonts. It is looked for also where that is set. May take 3 seconds.
  */
 VL_EXPORT bool VLFontServerAnswers(void) VL_NOEXCEPT;
 
-/* The process id of the font server that answers this user now; 0 when there is none. */
+/*
+ * The process id of the font server that answers this user now, as this process sees it; 0 when there is
+ * none. May take 3 seconds.
+ */
 VL_EXPORT int32_t VLGetFontServerProcess(void) VL_NOEXCEPT;
 
 /* ---- fonts on demand ------------------------------------------------------------------------- */
@@ -461,30 +488,57 @@ VL_EXPORT void VLSetAutoActivationSetting(const ValString *application,
  */
 VL_EXPORT bool GetApplicationIsDaemon(void) VL_NOEXCEPT;
 
-/* A message port of a font provider. It is a value: retained and released like one. */
+/*
+ * A message port of a font provider: one's own, or the way to another's. It is a value: retained and
+ * released like one, on any thread, and held by any container.
+ */
 typedef struct VLMessagePort VLMessagePort;
 
 /*
- * Answers a request for fonts: the attributes sought and the process that seeks them. Returns a
- * value that the caller releases (an array of fonts), or null.
+ * Answers a request for fonts: the attributes sought (borrowed for the call; null when the request says
+ * none) and the process that seeks them, as it calls itself (0 when it does not). Returns a value that the
+ * caller releases, an array of fonts, or null. Called on the main run loop, one call after the other; it
+ * may call the library, and give its port back. An exception must not leave it: that ends the process.
  */
 typedef const void *(*VLFontProviderCallback)(void *context, const ValDictionary *attributes,
                                               int32_t process);
 
 /*
- * Announces this process as a provider of fonts until the port's last reference is given back;
- * `release(context)` is called then. Null on failure.
+ * Announces this process to the font server as a provider of fonts, until the port's last reference is
+ * given back. A server that starts later, or anew, hears of it too; that there is none just now is no
+ * failure. The port is owned by the caller. Null where the server is ignored, where a register of the
+ * process's own has taken its place, for a null callback, and when the port cannot be opened: there is no
+ * folder for sockets, or memory or descriptors are exhausted.
+ *
+ * Requests are answered on the main run loop; a program that runs none (see VLGetNotificationDescriptor) is
+ * listed all the same, and keeps those who ask it waiting until they give up.
+ *
+ * From the moment that the last reference is given back nobody can connect, who still waits for an answer
+ * is told that the port is gone, and the callback is not called again; giving back may wait 10 seconds for
+ * the server. `release(context)`, unless it is null, is called once whatever happens: when the port is gone
+ * and no call of the callback is running any more, on whatever thread saw to that; and at once when there
+ * is no port.
+ *
+ * In a child of fork the port is the parent's, who goes on answering: nothing is withdrawn or released when
+ * the child gives it back or ends. A child that has fonts to give makes a port of its own.
  */
 VL_EXPORT VLMessagePort *VLCreateFontProviderLocalPort(VLFontProviderCallback callback, void *context,
                                                        void (*release)(void *context)) VL_NOEXCEPT;
 
-/* The ports of all announced providers, an array. */
+/*
+ * The ports of the providers that answer now, an array owned by the caller, in the order in which they were
+ * announced: this process's own are among them. Empty when there are none; null where the server is
+ * ignored, or a register of the process's own has taken its place. Takes 3 seconds at the most for each
+ * provider that has no room for another connection. A provider that is not visible from this process,
+ * because it lives in another container for instance, is left out.
+ */
 VL_EXPORT const ValArray *VLCopyFontProviderRemotePorts(void) VL_NOEXCEPT;
 
-/* The process that answers at a port; 0 for null. */
+/* The process that answers at a port, of one's own that which made it; 0 for null. */
 VL_EXPORT int32_t VLGetMessagePortProcess(const VLMessagePort *port) VL_NOEXCEPT;
 
-/* What a port is called in its process: of a provider, a UUID. Null for null. */
+/* What a port is called in its process: of a provider, a UUID as text. Owned by the caller; null for null.
+ */
 VL_EXPORT const ValString *VLCopyMessagePortName(const VLMessagePort *port) VL_NOEXCEPT;
 
 /* ---- looking into a file --------------------------------------------------------------------- */
