@@ -30,14 +30,14 @@ bool NotificationCenter::IsThere(uint64_t number) const noexcept {
     return std::ranges::binary_search(entries_, number, {}, &Entry::number);
 }
 
-void NotificationCenter::Post(const ValString *name, const ValDictionary *user_info) {
+void NotificationCenter::Post(const ValString *name, const ValDictionary *user_info, const void *object) {
     std::vector<Entry> observers;
     {
         const std::lock_guard lock(mutex_);
         std::ranges::copy_if(entries_, std::back_inserter(observers),
                              [name](const Entry &entry) { return ValEqual(entry.name.Get(), name); });
     }
-    Call(observers, user_info);
+    Call(observers, object, user_info);
 }
 
 void NotificationCenter::PostToAll(const ValDictionary *user_info) {
@@ -46,14 +46,15 @@ void NotificationCenter::PostToAll(const ValDictionary *user_info) {
         const std::lock_guard lock(mutex_);
         observers = entries_;
     }
-    Call(observers, user_info);
+    Call(observers, nullptr, user_info);
 }
 
-void NotificationCenter::Call(const std::vector<Entry> &observers, const ValDictionary *user_info) {
+void NotificationCenter::Call(const std::vector<Entry> &observers, const void *object,
+                              const ValDictionary *user_info) {
     for (const Entry &entry : observers) {
         if (!IsThere(entry.number)) continue;
         const OutsideLibrary calling;
-        entry.callback(this, entry.observer, entry.name.Get(), nullptr, user_info);
+        entry.callback(this, entry.observer, entry.name.Get(), object, user_info);
     }
 }
 

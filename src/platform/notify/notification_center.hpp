@@ -10,8 +10,8 @@
 
 namespace vellum {
 
-// Called with the centre, the observer as it was added, the name and what there is to tell. May call the
-// centre. `object`, the sender, is always null: nobody tells senders apart.
+// Called with the centre, the observer as it was added, the name, the sender and what there is to tell. May
+// call the centre. `object`, the sender, is null where nobody tells senders apart.
 using NotificationCallback = void (*)(void *center, void *observer, const ValString *name,
                                       const void *object, const ValDictionary *user_info);
 
@@ -34,8 +34,8 @@ public:
 
     // Calls those that observe the name, in the order in which they were added. One that is added
     // meanwhile is not called; one that is removed meanwhile is not called any more. Throws
-    // std::bad_alloc before anybody is called.
-    void Post(const ValString *name, const ValDictionary *user_info);
+    // std::bad_alloc before anybody is called. `object` is told as the sender, and not looked into.
+    void Post(const ValString *name, const ValDictionary *user_info, const void *object = nullptr);
 
     // The same for everybody, each by the name that it observes.
     void PostToAll(const ValDictionary *user_info);
@@ -49,7 +49,7 @@ private:
     };
 
     bool IsThere(uint64_t number) const noexcept;
-    void Call(const std::vector<Entry> &observers, const ValDictionary *user_info);
+    void Call(const std::vector<Entry> &observers, const void *object, const ValDictionary *user_info);
 
     mutable std::mutex mutex_; // guards what follows
     std::vector<Entry> entries_;
