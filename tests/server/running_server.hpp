@@ -2,6 +2,7 @@
 // A font server of a test's own: a real process with folders of its own.
 #pragma once
 
+#include "support/started_service.hpp"
 #include "support/temp_dir.hpp"
 
 #include <sys/types.h>
@@ -12,16 +13,12 @@
 
 namespace vellum::test {
 
-// A socket of that path on which a server says that it is ready.
-int ListenForReadiness(const std::string &path);
-
 // Points this process at folders of its own, too, so that it meets this server and no other. To be made
 // before the library is asked for anything.
 class RunningServer {
 public:
     // The system's fonts are those that lie under System() when the server starts.
     RunningServer();
-    ~RunningServer();
     RunningServer(const RunningServer &) = delete;
     RunningServer &operator=(const RunningServer &) = delete;
 
@@ -32,7 +29,7 @@ public:
     int Stop();
     int Kill();
 
-    pid_t Process() const { return process_; }
+    pid_t Process() const { return service_.Process(); }
 
     // Has servers that start from now on do something before they are what they are, in the new process.
     // False ends it.
@@ -45,11 +42,9 @@ public:
     const TempDir &Home() const { return home_; }
 
 private:
-    int End(int signal);
-
     TempDir root_, home_;
     std::function<bool()> prepare_;
-    pid_t process_ = -1;
+    StartedService service_;
 };
 
 } // namespace vellum::test

@@ -47,6 +47,11 @@ enum MessageID : int32_t {
     kObserveNotifications = 14000,
     kPostNotification = 14001,
     kTellNotification = 14002,
+
+    // Of the index of font files; see index_rows.hpp.
+    kFindFontFiles = 15000,
+    kGetIndexStatus = 15001,
+    kRebuildIndex = 15002,
 };
 
 // A reply's id is the request's and this.

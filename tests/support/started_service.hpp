@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// A service as a real process, which says when it is ready.
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <string>
+
+namespace vellum::test {
+
+// A socket of that path on which a service says that it is ready.
+int ListenForReadiness(const std::string &path);
+
+class StartedService {
+public:
+    StartedService() = default;
+    ~StartedService();
+    StartedService(const StartedService &) = delete;
+    StartedService &operator=(const StartedService &) = delete;
+
+    // Starts a program with --foreground and waits until it says that it is ready, in a socket at `ready`.
+    // False when it ended instead.
+    // `prepare` is done before in the new process; false ends it.
+    bool Start(const char *program, const std::string &ready,
+               const std::function<bool()> &prepare = nullptr);
+
+    // Ends it, waits for its end and gives what waitpid says.
+    int End(int signal);
+
+    pid_t Process() const { return process_; }
+
+private:
+    pid_t process_ = -1;
+};
+
+} // namespace vellum::test
