@@ -2,12 +2,11 @@
 // Which names fonts are searched by, and which of the files that are found may be activated.
 #include "autoactivation/auto_activation_manager.hpp"
 #include "platform/font/type_identifier.hpp"
+#include "platform/fs/directory.hpp"
 #include "platform/fs/file_properties.hpp"
 #include "platform/fs/volume_root.hpp"
 #include "platform/val/string.hpp"
 #include "values/val_url.hpp"
-
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
@@ -26,8 +25,7 @@ bool IsInPostScriptNames(char c) noexcept {
 }
 
 bool HasMark(const std::string &folder) {
-    struct stat status;
-    return ::lstat((folder + "/" + kMark).c_str(), &status) == 0;
+    return HasEntry(folder, kMark);
 }
 
 } // namespace

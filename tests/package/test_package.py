@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # The package as its users meet it: installed into an empty folder, moved, then built against through
 # pkg-config and through find_package. Environment: VELLUM_BUILD, VELLUM_SOURCE, VELLUM_VERSION,
-# VELLUM_GENERATOR, VELLUM_LEGACY (1: with the legacy font service), CMAKE, CC, CXX.
+# VELLUM_GENERATOR, VELLUM_LEGACY (1: with the legacy font service), VELLUM_COMPANION (1: with the companion), CMAKE, CC, CXX.
 import os
 import pathlib
 import re
@@ -14,6 +14,7 @@ BUILD, SOURCE, VERSION, GENERATOR, CMAKE, CC, CXX = (
     os.environ[name] for name in ("VELLUM_BUILD", "VELLUM_SOURCE", "VELLUM_VERSION", "VELLUM_GENERATOR",
                                   "CMAKE", "CC", "CXX"))
 LEGACY = os.environ["VELLUM_LEGACY"] == "1"
+COMPANION = os.environ["VELLUM_COMPANION"] == "1"
 HERE = pathlib.Path(__file__).resolve().parent
 FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"
 EXPECTED = "file public.truetype-ttf-font\n"
@@ -114,6 +115,18 @@ class Package(unittest.TestCase):
         symbols = run("nm", "-D", "--defined-only", self.libraries / "vellum/Fount.framework/Fount.so")
         exported = {line.split()[-1].split("@")[0] for line in symbols.splitlines() if " A " not in line}
         self.assertEqual(len(wanted), 6)
+        self.assertEqual(exported, wanted)
+
+    @unittest.skipUnless(COMPANION, "built without the companion")
+    def test_the_companion_lies_in_the_resources_and_exports_its_contract_and_nothing_else(self):
+        companion = self.libraries / "vellum/Fount.framework/Resources/libGlypharyUI.so"
+        resolved = run("ldd", companion.resolve(), env=self.user_environment())
+        self.assertIn(str(self.libraries / "libvellum.so.1"), resolved.replace("vellum/../", ""))
+        header = pathlib.Path(SOURCE, "include/vellum/glyphary_ui.h").read_text(encoding="utf-8")
+        wanted = set(re.findall(r"\b(\w+)Function\(", header))
+        symbols = run("nm", "-D", "--defined-only", companion)
+        exported = {line.split()[-1].split("@")[0] for line in symbols.splitlines() if " A " not in line}
+        self.assertEqual(len(wanted), 3)
         self.assertEqual(exported, wanted)
 
     def test_every_public_header_is_installed_and_nothing_else(self):

@@ -53,4 +53,9 @@ bool CanOpenDirectory(const char *path) noexcept {
     return DirectoryReader(path).IsOpen();
 }
 
+bool HasEntry(const std::string &folder, const std::string &name) {
+    struct stat status;
+    return ::lstat((folder + "/" + name).c_str(), &status) == 0;
+}
+
 } // namespace vellum

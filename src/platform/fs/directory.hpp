@@ -38,4 +38,8 @@ std::vector<DirectoryEntry> ListDirectory(const char *path);
 // True when `path` is a directory that can be opened for reading.
 bool CanOpenDirectory(const char *path) noexcept;
 
+// True when a folder has an entry of a name, of whatever kind, a dangling link too. May throw
+// std::bad_alloc.
+bool HasEntry(const std::string &folder, const std::string &name);
+
 } // namespace vellum
