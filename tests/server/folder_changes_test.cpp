@@ -152,35 +152,39 @@ private:
     std::string path_;
 };
 
-// The best of some attempts: others have the processor, too.
+// Nobody waits for much of the time that it takes. The best of some attempts: others have the processor,
+// too.
 TEST_F(FolderChanges, InAHugeFolderKeepNobodyWaiting) {
+    using Clock = std::chrono::steady_clock;
     const FolderInMemory huge;
     for (int i = 0; i < 50'000; ++i) // no files: nothing but the folder itself takes time
         ASSERT_EQ(::mkfifo((huge.Path() + "/" + std::to_string(i)).c_str(), 0600), 0);
     WriteFont(User("a.ttf"), "A");
     Start();
     const auto folder = FolderURL(huge.Path());
-    constexpr std::chrono::milliseconds kQuick(30);
-    auto best = std::chrono::nanoseconds::max();
-    for (int attempt = 0; attempt < 5 && best > kQuick; ++attempt) {
+    constexpr double kPart = 0.15;
+    double best = 1;
+    for (int attempt = 0; attempt < 10 && best > kPart; ++attempt) {
         std::atomic<bool> is_done = false;
+        const auto start = Clock::now();
         std::thread changer([&] {
             EXPECT_TRUE(VLRegisterFontDirectory(folder.Get(), 0, 0, kVLScopeUser));
-            EXPECT_TRUE(VLUnregisterFontDirectory(folder.Get(), 0, kVLScopeUser));
             is_done = true;
         });
         const TGlobalGlypharyImp proxy; // asks the server each time
         const auto name = String("A-Regular");
-        auto slowest = std::chrono::nanoseconds::zero();
+        Clock::duration slowest = {};
         while (!is_done) {
-            const auto begin = std::chrono::steady_clock::now();
+            const auto begin = Clock::now();
             EXPECT_TRUE(proxy.CopyFontForName(name.Get(), kVLScopeUser));
-            slowest = std::max<std::chrono::nanoseconds>(slowest, std::chrono::steady_clock::now() - begin);
+            slowest = std::max(slowest, Clock::now() - begin);
         }
         changer.join();
-        best = std::min(best, slowest);
+        best = std::min(best, static_cast<double>(slowest.count()) /
+                                  static_cast<double>((Clock::now() - start).count()));
+        EXPECT_TRUE(VLUnregisterFontDirectory(folder.Get(), 0, kVLScopeUser));
     }
-    EXPECT_LE(best, kQuick);
+    EXPECT_LE(best, kPart);
 }
 
 } // namespace
