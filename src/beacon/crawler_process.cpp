@@ -71,7 +71,7 @@ void CrawlerProcess::Start() {
     if (process_ == 0) BecomeCrawler(other.Get(), progress_.File(), is_in_foreground_);
     if (process_ < 0) return Died();
     loop_.Watch(control_.Get(), EPOLLIN, [this](uint32_t) { Listen(); });
-    if (std::exchange(must_read_, false)) Tell(kReadEverything);
+    if (progress_->rebuilds < rebuilds_) Tell(kReadEverything);
 }
 
 void CrawlerProcess::Listen() {
@@ -105,10 +105,8 @@ void CrawlerProcess::Tell(char word) noexcept {
 }
 
 void CrawlerProcess::ReadEverything() noexcept {
-    if (process_ > 0)
-        Tell(kReadEverything);
-    else
-        must_read_ = true;
+    ++rebuilds_;
+    if (process_ > 0) Tell(kReadEverything);
 }
 
 void CrawlerProcess::LookAgain() noexcept {

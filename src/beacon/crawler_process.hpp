@@ -42,7 +42,7 @@ private:
     const SharedProgress progress_;
     TDescriptor control_;
     pid_t process_ = 0;
-    bool must_read_ = false; // the next one, everything
+    uint64_t rebuilds_ = 0; // that were asked for; a crawler may die before it hears of one
     std::chrono::steady_clock::time_point started_;
     std::chrono::milliseconds wait_{0};
 };

@@ -145,6 +145,7 @@ private:
         if (size < 0) return;
         if (word == kReadEverything) {
             must_read_ = must_check_ = true;
+            SetState(CrawlState::kCrawling); // who waits for it sees no rest before it
             progress_->rebuilds.fetch_add(1);
         }
         if (word == kLookAgain) must_look_ = must_check_ = true;

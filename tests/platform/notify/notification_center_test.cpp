@@ -43,7 +43,7 @@ TEST_F(NotificationCenters, TellTheObserversOfANameInTheOrderOfAdding) {
     EXPECT_THAT(heard, ElementsAre("b x", "a x"));
 }
 
-TEST_F(NotificationCenters, HandOverTheCenterAndTheUserInfoAndNoSender) {
+TEST_F(NotificationCenters, HandOverTheCenterTheUserInfoAndTheSenderIfThereIsOne) {
     const auto info = Adopt(ValDictionaryCreateMutable(0, &kValValueCallbacks, &kValValueCallbacks));
     struct Seen {
         void *center;
@@ -61,6 +61,8 @@ TEST_F(NotificationCenters, HandOverTheCenterAndTheUserInfoAndNoSender) {
     EXPECT_EQ(seen.center, &center);
     EXPECT_EQ(seen.object, nullptr);
     EXPECT_EQ(seen.user_info, info.Get());
+    center.Post(String("x").Get(), info.Get(), this);
+    EXPECT_EQ(seen.object, this);
 }
 
 TEST_F(NotificationCenters, RemoveAllThatWasAddedUnderAnObserver) {
