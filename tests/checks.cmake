@@ -62,8 +62,9 @@ if(NOT VELLUM_SANITIZE)
 endif()
 
 # ---- the tool --------------------------------------------------------------------------------------
-foreach(verb inspect coverage fontinfo list match text change monitor server policy)
-    vellum_add_check(tools.${verb} tools TIMEOUT 300 ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool>
+foreach(verb inspect coverage fontinfo list match text change monitor server policy index)
+    vellum_add_check(tools.${verb} tools TIMEOUT 300
+        ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool> VELLUM_BEACON=$<TARGET_FILE:vellum_beacon>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)
 endforeach()
 # What a run of the tool alone cannot show, with the tool's own sources and the library's public functions.

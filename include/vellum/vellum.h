@@ -453,6 +453,35 @@ VL_EXPORT bool VLFontServerAnswers(void) VL_NOEXCEPT;
  */
 VL_EXPORT int32_t VLGetFontServerProcess(void) VL_NOEXCEPT;
 
+/* ---- the index of font files ------------------------------------------------------------------ */
+
+/*
+ * How the index of the font files in the user's folders is: a dictionary with the strings "state"
+ * ("starting", "crawling", "idle", or "no room" while it cannot be written), the array of strings "roots",
+ * and the numbers "files" and "faces" (in the index), "folders-read" and "folders-waiting" (in the crawl
+ * that is under way), "files-read", "changes" and "rebuilds" (since the service began), "process" and
+ * "crawler" (process ids). Owned by the caller. With a patience, in milliseconds up to 3,000, it is that of
+ * when the index is at rest and "changes" is another than the given one, if that comes in time. Null when
+ * there is no such service, and when memory is exhausted.
+ */
+VL_EXPORT const ValDictionary *VLCopyFontIndexStatus(uint32_t patience, uint32_t changes) VL_NOEXCEPT;
+
+/*
+ * The font files that a query finds, by the time of their last change: an array of dictionaries with the
+ * URL "url", the string "type" (a type identifier) and the number "modified" (seconds since 1970). A query
+ * is one to four of these clauses, with " && " between them, each attribute once, values without escapes:
+ *
+ *     com_orrery_fount_name_postscript == "VALUE"      com_orrery_fount_name_family == "VALUE"
+ *     com_orrery_fount_name_style == "VALUE"           com_orrery_fount_name_full == "VALUE"
+ *
+ * Any other text finds nothing: an empty array. Owned by the caller. Waits for five seconds at the most.
+ * Null for null or an empty text, without a service or an answer in time, and when memory is exhausted.
+ */
+VL_EXPORT const ValArray *VLCopyIndexedFontFiles(const ValString *query) VL_NOEXCEPT;
+
+/* Has every font file be read again, soon. False when there is no such service. */
+VL_EXPORT bool VLRebuildFontIndex(void) VL_NOEXCEPT;
+
 /* ---- fonts on demand ------------------------------------------------------------------------- */
 
 /* Whether missing fonts are found and activated. 0 means: nothing was set. */

@@ -5,6 +5,7 @@
 #include "tools/doctor.hpp"
 #include "tools/exit_code.hpp"
 #include "tools/fontinfo.hpp"
+#include "tools/index_verb.hpp"
 #include "tools/inspect.hpp"
 #include "tools/list.hpp"
 #include "tools/match.hpp"
@@ -65,6 +66,7 @@ int Run(int count, char **arguments) {
     AddServer(app, result);
     AddProvider(app, result);
     AddPolicy(app, result);
+    AddIndex(app, result);
     AddStatus(app, result);
     AddDoctor(app, result);
 

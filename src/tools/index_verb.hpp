@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// vellum index: what the index of the font files in the user's folders knows.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace vellum::tool {
+
+// Adds the verb; the exit code goes to `result`.
+void AddIndex(CLI::App &app, int &result);
+
+} // namespace vellum::tool
