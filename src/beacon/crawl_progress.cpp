@@ -13,9 +13,6 @@ namespace vellum {
 
 namespace {
 
-// No honest font takes a hundredth of it.
-constexpr time_t kProcessorSeconds = 10;
-
 // A file that was read when a crawler died may have nothing to do with it: people end processes.
 constexpr uint32_t kDeathsOfOneFile = 2;
 
@@ -54,10 +51,11 @@ SharedProgress::~SharedProgress() {
     ::munmap(progress_, sizeof(CrawlProgress));
 }
 
-RiskyReading::RiskyReading(CrawlProgress &progress, std::string_view path) noexcept : progress_(progress) {
+RiskyReading::RiskyReading(CrawlProgress &progress, std::string_view path, int processor_seconds) noexcept
+    : progress_(progress) {
     const size_t length = path.copy(progress.reading.data(), progress.reading.size() - 1);
     progress.reading[length] = '\0';
-    LimitProcessorTime(kProcessorSeconds);
+    LimitProcessorTime(processor_seconds);
 }
 
 RiskyReading::~RiskyReading() {

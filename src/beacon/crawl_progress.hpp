@@ -65,7 +65,11 @@ private:
 // file be.
 class RiskyReading {
 public:
-    RiskyReading(CrawlProgress &progress, std::string_view path) noexcept;
+    // No honest font takes a hundredth of the time that there is.
+    static constexpr int kProcessorSeconds = 10;
+
+    RiskyReading(CrawlProgress &progress, std::string_view path,
+                 int processor_seconds = kProcessorSeconds) noexcept;
     ~RiskyReading();
     RiskyReading(const RiskyReading &) = delete;
     RiskyReading &operator=(const RiskyReading &) = delete;

@@ -21,6 +21,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 namespace vellum {
@@ -36,8 +37,9 @@ constexpr std::chrono::seconds kBetweenCrawls(3600);
 // How long nothing is tried where the index cannot be written.
 constexpr std::chrono::milliseconds kShortestWait(1000), kLongestWait(60'000);
 
-// Drives come in several mounts, and not at once.
-constexpr std::chrono::milliseconds kAfterMount(2000);
+// Drives come in several mounts, and not at once; where mounts come and go all the time, that is not
+// followed.
+constexpr std::chrono::seconds kAfterMount(2), kBetweenMounts(300);
 
 std::chrono::seconds BetweenCrawls() noexcept {
     const char *seconds = GetEnvironment("VELLUM_INDEX_INTERVAL");
@@ -77,7 +79,7 @@ public:
         for (;;) {
             try {
                 CrawlOn();
-            } catch (const DatabaseError &problem) {
+            } catch (const std::runtime_error &problem) { // of the database, or of its folder
                 if (!is_without_room_)
                     Log(LogLevel::kError,
                         "The index of font files cannot be kept, and is tried again until it can: %s",
@@ -99,7 +101,8 @@ private:
         for (;;) {
             if (!index.IsInPlace() || (std::exchange(must_check_, false) && !index.IsSound())) return;
             if (must_look_ || must_read_) {
-                next_crawl_ = Clock::now() + BetweenCrawls();
+                last_crawl_ = Clock::now();
+                next_crawl_ = last_crawl_ + BetweenCrawls();
                 must_look_ = false;
                 crawler.Begin(FindCrawlRoots(), std::exchange(must_read_, false));
                 SetState(CrawlState::kCrawling);
@@ -134,7 +137,9 @@ private:
         pollfd events[] = {{control_.Get(), POLLIN, 0}, {changes, POLLIN, 0}, {mounts_.Get(), POLLPRI, 0}};
         ::poll(events, 3, static_cast<int>(time.count()));
         if (events[0].revents) Listen();
-        if (events[2].revents & POLLPRI) next_crawl_ = std::min(next_crawl_, Clock::now() + kAfterMount);
+        if (events[2].revents & POLLPRI)
+            next_crawl_ =
+                std::min(next_crawl_, std::max(Clock::now() + kAfterMount, last_crawl_ + kBetweenMounts));
         return events[1].revents & POLLIN;
     }
 
@@ -159,7 +164,7 @@ private:
     const TDescriptor control_;
     const SharedProgress progress_;
     const TDescriptor mounts_;
-    Clock::time_point next_crawl_;
+    Clock::time_point last_crawl_, next_crawl_;
     std::chrono::milliseconds wait_ = kShortestWait;
     bool must_look_ = false, must_read_ = false, must_check_ = false;
     bool is_without_room_ = false;

@@ -96,7 +96,9 @@ std::vector<MetadataItem> NameLookup::Find(const std::vector<NameClause> &clause
         return Run(InOrderOfUse(clauses));
     } catch (const DatabaseError &problem) {
         Close();
-        if (problem.code == SQLITE_INTERRUPT || problem.code == SQLITE_BUSY) return {};
+        // It took too long; or the index is just being made, and has no tables yet.
+        for (const int passing : {SQLITE_INTERRUPT, SQLITE_BUSY, SQLITE_ERROR})
+            if (problem.code == passing) return {};
         throw;
     }
 }

@@ -11,8 +11,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -239,6 +243,25 @@ TEST_F(Crawls, LetAFileBeOfWhichTheCrawlerDiedTwice) {
     EXPECT_THAT(OfFamily("Deadly"), IsEmpty());
     EXPECT_THAT(OfFamily("Good"), ElementsAre("good.ttf"));
     EXPECT_THAT(log.Lines(), ElementsAre(HasSubstr("deadly.ttf is let be")));
+}
+
+// A process of its own dies of it, and what comes after it knows of which file.
+TEST_F(Crawls, EndAReadingThatTakesTooMuchOfTheProcessor) {
+    const SharedProgress shared;
+    const pid_t reader = ::fork();
+    if (reader == 0) {
+        const RiskyReading reading(*shared, "/endless.ttf", 1);
+        for (std::atomic<int> turns = 0;;) ++turns;
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(reader, &status, 0), reader);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPROF) << status;
+    RiskyReading::LearnFromDeath(*shared);
+    EXPECT_STREQ(shared->suspect.data(), "/endless.ttf");
+    EXPECT_EQ(shared->deaths, 1u);
+    { const RiskyReading harmless(*shared, "/good.ttf"); }
+    RiskyReading::LearnFromDeath(*shared);
+    EXPECT_STREQ(shared->suspect.data(), "/endless.ttf");
 }
 
 // What this thread has had read from files.

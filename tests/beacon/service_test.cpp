@@ -114,6 +114,14 @@ TEST_F(IndexServices, ReadEveryFileAgainWhenTheyAreAskedTo) {
     EXPECT_THAT(beacon.OfFamily("Foo"), ElementsAre("a.ttf"));
 }
 
+TEST_F(IndexServices, LookThroughEverythingFromTimeToTimeForWhatNobodyTellsOf) {
+    beacon.Files().MakeFolder("far/from/any/font");
+    ::setenv("VELLUM_INDEX_INTERVAL", "1", 1);
+    Begin();
+    beacon.Files().Add("far/from/any/font/a.ttf", NamedFace{"Foo"});
+    EXPECT_TRUE(BecomesKnown("Foo"));
+}
+
 TEST_F(IndexServices, BeginTheIndexAnewWhenItIsTakenAway) {
     beacon.Files().Add("a.ttf", NamedFace{"Foo"});
     Begin();
