@@ -54,12 +54,11 @@ void StandBack() noexcept {
     ::syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0));
 }
 
-// The service has its signals blocked, and a limit of files is an error here as any.
+// The service has its signals blocked, and ignores that of a limit of files: the latter stays so here.
 void SetSignals() noexcept {
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    ::signal(SIGXFSZ, SIG_IGN);
     ::signal(SIGINT, SIG_IGN); // the terminal tells the service, which ends this
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 }

@@ -49,7 +49,7 @@ void Serve(bool is_in_foreground) {
     if (name.empty()) throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
     const TDescriptor lock = TakeServiceLock(folder, name, "an index of font files");
     const TDescriptor signals = EndingSignals();
-    ::signal(SIGXFSZ, SIG_IGN); // a limit of files is an error as any
+    ::signal(SIGXFSZ, SIG_IGN); // a limit of files is an error as any, for the crawler too
     RaiseDescriptorLimit();
     EventLoop loop;
     TDescriptor listener = InheritedListener();

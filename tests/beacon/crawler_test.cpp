@@ -20,6 +20,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 namespace vellum::test {
 namespace {
@@ -49,12 +50,15 @@ protected:
         Finish();
     }
 
-    // Until the folder's watch has told of something.
-    void FollowChange() {
-        pollfd event = {crawler.ChangesDescriptor(), POLLIN, 0};
-        ASSERT_EQ(::poll(&event, 1, 10'000), 1);
-        crawler.Follow();
-        Finish();
+    // Follows what the watches tell of until something is so; false when they tell of nothing more.
+    bool FollowUntil(const std::function<bool()> &is_so) {
+        while (!is_so()) {
+            pollfd event = {crawler.ChangesDescriptor(), POLLIN, 0};
+            if (::poll(&event, 1, 10'000) != 1) return false;
+            crawler.Follow();
+            Finish();
+        }
+        return true;
     }
 
     std::vector<std::string> Found(NameAttribute attribute, const std::string &name) {
@@ -194,25 +198,26 @@ TEST_F(Crawls, FollowChangesInFoldersOfFonts) {
     files.Add("x/y/z/a.ttf", NamedFace{"Foo"});
     Crawl();
     files.Add("x/y/z/b.ttf", NamedFace{"Bar"});
-    while (OfFamily("Bar").empty()) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return !OfFamily("Bar").empty(); }));
     fs::rename(files.File("x/y/z/b.ttf"), files.File("x/y/z/c.ttf"));
-    while (OfFamily("Bar") != std::vector<std::string>{"x/y/z/c.ttf"}) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return OfFamily("Bar") == std::vector<std::string>{"x/y/z/c.ttf"}; }));
     fs::remove(files.File("x/y/z/a.ttf"));
-    while (!OfFamily("Foo").empty()) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return OfFamily("Foo").empty(); }));
     fs::create_directories(files.File("x/y/z/new"));
     files.Add("x/y/z/new/er/d.ttf", NamedFace{"Baz"});
-    while (OfFamily("Baz").empty()) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return !OfFamily("Baz").empty(); }));
     fs::rename(files.File("x/y/z/new"), files.File("x/y/z/newer"));
-    while (OfFamily("Baz") != std::vector<std::string>{"x/y/z/newer/er/d.ttf"}) FollowChange();
+    ASSERT_TRUE(
+        FollowUntil([&] { return OfFamily("Baz") == std::vector<std::string>{"x/y/z/newer/er/d.ttf"}; }));
     fs::remove_all(files.File("x/y"));
-    while (!index.Folders().empty()) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return index.Folders().empty(); }));
 }
 
 TEST_F(Crawls, SeeTheFirstFontOfAFolderRightBelowARoot) {
     files.MakeFolder("Downloads");
     Crawl();
     files.Add("Downloads/a.ttf", NamedFace{"Foo"});
-    while (OfFamily("Foo").empty()) FollowChange();
+    ASSERT_TRUE(FollowUntil([&] { return !OfFamily("Foo").empty(); }));
 }
 
 TEST_F(Crawls, TakeABadFontForNothingAndGoOn) {

@@ -91,7 +91,7 @@ TEST_F(IndexServices, AnswerOnWhenTheCrawlerDiesAndBeginAnother) {
     const pid_t first = Crawler();
     ASSERT_EQ(::kill(first, SIGSEGV), 0);
     EXPECT_THAT(beacon.OfFamily("Foo"), ElementsAre("a.ttf"));
-    EXPECT_TRUE(beacon.WaitUntil([&] { return Crawler() != 0 && Crawler() != first; }));
+    ASSERT_TRUE(beacon.WaitUntil([&] { return Crawler() != 0 && Crawler() != first; }));
     beacon.Files().Add("b.ttf", NamedFace{"Bar"});
     EXPECT_TRUE(BecomesKnown("Bar"));
 }
