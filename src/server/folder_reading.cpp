@@ -1,11 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "server/folder_reading.hpp"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <utility>
 
 namespace vellum {
+
+namespace {
+
+// The system is asked only where the owner and the mode do not tell.
+bool IsReadable(const std::string &path, const struct stat &status) noexcept {
+    if (status.st_uid == ::geteuid() ? status.st_mode & S_IRUSR
+                                     : status.st_mode & S_IRGRP && status.st_mode & S_IROTH)
+        return true;
+    return ::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) == 0;
+}
+
+} // namespace
 
 FileState ReadFileState(const std::string &path) noexcept {
     FileState state;
@@ -15,10 +29,8 @@ FileState ReadFileState(const std::string &path) noexcept {
     if (state.is_link && ::stat(path.c_str(), &status) != 0) return state;
     if (!S_ISREG(status.st_mode)) return state;
     state.is_file = true;
+    state.is_readable = IsReadable(path, status);
     state.identity = TFileIdentity::Of(status);
-    state.mode = status.st_mode;
-    state.owner = status.st_uid;
-    state.group = status.st_gid;
     return state;
 }
 

@@ -6,8 +6,6 @@
 #include "platform/fs/directory.hpp"
 #include "platform/fs/file.hpp"
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <set>
 #include <string>
@@ -19,10 +17,8 @@ namespace vellum {
 struct FileState {
     bool is_link = false;
     bool is_file = false; // a regular one, through links or not; else what follows is empty
+    bool is_readable = false;
     TFileIdentity identity;
-    mode_t mode = 0; // with the owner, what decides whether it can be read
-    uid_t owner = 0;
-    gid_t group = 0;
 
     bool operator==(const FileState &) const = default;
 };

@@ -197,7 +197,7 @@ void FontFolders::LookAt(const FileToLookAt &asked, FolderNews &news) {
         links_.erase(path);
     if (state == FileState()) folder->second.files.erase(path.substr(folder_path.size() + 1));
     if (register_.Vanished(path)) news.went.push_back(URLText(path));
-    if (state.is_file && register_.Found(path, root->flags, root->priority))
+    if (state.is_readable && register_.Found(path, root->flags, root->priority))
         news.came.push_back(URLText(path));
 }
 

@@ -137,10 +137,10 @@ TEST_F(Background, ServerStartsWithoutStandardStreams) {
 }
 
 TEST_F(Background, StartThatFailsSaysWhy) {
-    const Ended start = Run({}, [] { ::setenv("XDG_STATE_HOME", "/proc/none", 1); });
+    const Ended start = Run({}, [] { ::setenv("VL_SERVICE_NAME_SUFFIX", "/elsewhere", 1); });
     EXPECT_EQ(start.exit_code, 1);
     EXPECT_EQ(start.output, "");
-    EXPECT_THAT(start.errors, HasSubstr("vellum-fontserver: cannot make /proc/none/vellum"));
+    EXPECT_THAT(start.errors, HasSubstr("vellum-fontserver: VL_SERVICE_NAME_SUFFIX makes no name"));
     EXPECT_EQ(VLGetFontServerProcess(), 0);
 }
 

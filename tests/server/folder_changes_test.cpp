@@ -102,7 +102,7 @@ TEST_F(FolderChanges, ThatChangeNoFontAreNotTold) {
     WriteFont(User("a.ttf"), "A");
     Start();
     ::chmod(User("a.ttf").c_str(), 0640);
-    ::chown(User("a.ttf").c_str(), ::geteuid(), ::getegid());
+    ASSERT_EQ(::chown(User("a.ttf").c_str(), ::geteuid(), ::getegid()), 0);
     fs::create_hard_link(User("a.ttf"), elsewhere.File("other-name"));
     WriteFont(User("b.ttf"), "B");
     EXPECT_THAT(HearUpTo("+fonts/b.ttf"), ElementsAre("+fonts/b.ttf"));

@@ -68,9 +68,9 @@ class Server(ServerCase):
         self.assertEqual(left, set())
 
     def test_says_why_it_cannot_start(self):
-        done = self.run_tool("server", "start", XDG_STATE_HOME="/proc/none")
+        done = self.run_tool("server", "start", VL_SERVICE_NAME_SUFFIX="/elsewhere")
         self.assertEqual(done.returncode, PROBLEMS)
-        self.assertIn(b"cannot make /proc/none/vellum", done.stderr)
+        self.assertIn(b"VL_SERVICE_NAME_SUFFIX makes no name", done.stderr)
         self.assertIn(b"the font server did not start", done.stderr)
 
     def test_holds_what_one_run_registers_for_the_next(self):
