@@ -73,6 +73,7 @@ void Crawler::Begin(CrawlRoots roots, bool reads_all) {
     has_lost_changes_ = false;
     is_whole_ = true;
     progress_.folders_read = 0;
+    ShowCounts();
     const auto known = index_.Folders();
     not_met_ = {known.begin(), known.end()};
     for (auto root = roots_.roots.rbegin(); root != roots_.roots.rend(); ++root)
@@ -125,7 +126,10 @@ void Crawler::Work() {
 
 void Crawler::ShowProgress() {
     progress_.folders_waiting = waiting_.size();
-    if (written_ == 0) return;
+    if (written_) ShowCounts();
+}
+
+void Crawler::ShowCounts() {
     const IndexCounts counts = index_.Count();
     progress_.files = counts.files;
     progress_.faces = counts.faces;
@@ -226,7 +230,6 @@ void Crawler::End() {
         watches_.Remove(folder);
     }
     not_met_.clear();
-    ++written_; // the counts are shown, even of a crawl that changed nothing
 }
 
 } // namespace vellum

@@ -68,6 +68,7 @@ private:
     const CrawlRoot *RootOf(const std::string &folder) const noexcept;
     void AddIfBelowRoot(const std::string &folder, bool has_inner);
     void ShowProgress();
+    void ShowCounts();
 
     NameIndex &index_;
     CrawlProgress &progress_;

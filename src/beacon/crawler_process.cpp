@@ -56,8 +56,11 @@ CrawlerProcess::~CrawlerProcess() {
     control_ = TDescriptor();
     const TDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, process_, 0)));
     pollfd event = {end.Get(), POLLIN, 0};
-    if (!end.IsOpen() || ::poll(&event, 1, kEndPatience) <= 0) ::kill(process_, SIGKILL);
-    ::waitpid(process_, nullptr, 0);
+    if (::poll(&event, 1, kEndPatience) > 0) return void(::waitpid(process_, nullptr, 0));
+    ::kill(process_, SIGKILL);
+    // One that waits for a drive that does not answer cannot even be killed, and is the system's from here
+    // on.
+    if (::poll(&event, 1, kEndPatience) > 0) ::waitpid(process_, nullptr, 0);
 }
 
 void CrawlerProcess::Start() {

@@ -37,6 +37,9 @@ constexpr std::chrono::seconds kBetweenCrawls(3600);
 // How long nothing is tried where the index cannot be written.
 constexpr std::chrono::milliseconds kShortestWait(1000), kLongestWait(60'000);
 
+// So often it is seen that the index is in its place.
+constexpr std::chrono::milliseconds kLongestSleep(600'000);
+
 // Drives come in several mounts, and not at once; where mounts come and go all the time, that is not
 // followed.
 constexpr std::chrono::seconds kAfterMount(2), kBetweenMounts(300);
@@ -84,6 +87,7 @@ public:
                         "The index of font files cannot be kept, and is tried again until it can: %s",
                         problem.what());
                 is_without_room_ = true;
+                changes_without_room_ = progress_->changes;
                 SetState(CrawlState::kNoRoom);
                 Wait(-1, wait_);
                 wait_ = std::min(2 * wait_, kLongestWait);
@@ -103,7 +107,8 @@ private:
                 last_crawl_ = Clock::now();
                 next_crawl_ = last_crawl_ + BetweenCrawls();
                 must_look_ = false;
-                crawler.Begin(FindCrawlRoots(), std::exchange(must_read_, false));
+                crawler.Begin(FindCrawlRoots(), must_read_);
+                must_read_ = false; // not before it could be written that all is to be read
                 SetState(CrawlState::kCrawling);
             }
             Crawl(crawler);
@@ -115,18 +120,25 @@ private:
         while (crawler.HasWork() && !must_look_ && !must_read_) {
             SetState(CrawlState::kCrawling);
             crawler.Work();
-            if (std::exchange(is_without_room_, false))
-                Log(LogLevel::kNotice, "The index of font files is kept again");
-            wait_ = kShortestWait;
+            if (progress_->changes != changes_without_room_) FoundRoom();
             if (Wait(crawler.ChangesDescriptor(), {})) crawler.Follow();
         }
     }
 
+    // Reading alone needs none: something was written, or nothing had to be.
+    void FoundRoom() noexcept {
+        wait_ = kShortestWait;
+        if (std::exchange(is_without_room_, false))
+            Log(LogLevel::kNotice, "The index of font files is kept again");
+    }
+
     void WaitForWork(Crawler &crawler) {
         if (must_look_ || must_read_ || crawler.HasWork()) return;
+        FoundRoom();
         SetState(CrawlState::kIdle);
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_crawl_ - Clock::now());
-        if (Wait(crawler.ChangesDescriptor(), std::max(left, std::chrono::milliseconds(0))))
+        if (Wait(crawler.ChangesDescriptor(),
+                 std::clamp(left, std::chrono::milliseconds(0), kLongestSleep)))
             crawler.Follow();
         if (Clock::now() >= next_crawl_) must_look_ = true;
     }
@@ -167,6 +179,7 @@ private:
     std::chrono::milliseconds wait_ = kShortestWait;
     bool must_look_ = false, must_read_ = false, must_check_ = false;
     bool is_without_room_ = false;
+    uint64_t changes_without_room_ = 0; // those that there were when the index could not be written
 };
 
 } // namespace

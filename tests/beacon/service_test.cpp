@@ -19,8 +19,10 @@
 #include <sys/socket.h>
 #include <sys/syscall.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 namespace vellum::test {
 namespace {
@@ -41,6 +43,13 @@ protected:
         return beacon.WaitUntil([&] { return !beacon.OfFamily(family).empty(); });
     }
     static pid_t Crawler() { return static_cast<pid_t>(RunningBeacon::Number("crawler")); }
+
+    // No number that could mean anybody else is signalled.
+    static void SignalCrawler(int signal) {
+        const pid_t crawler = Crawler();
+        ASSERT_GT(crawler, 1);
+        ASSERT_EQ(::kill(crawler, signal), 0);
+    }
 
     RunningBeacon beacon;
 };
@@ -79,6 +88,7 @@ TEST_F(IndexServices, AreOneAtATimeAndLeaveNoCrawlerBehind) {
     StartedService second;
     EXPECT_FALSE(second.Start(VELLUM_BEACON, beacon.Home().File("second")));
     const pid_t crawler = Crawler();
+    ASSERT_GT(crawler, 1);
     EXPECT_EQ(beacon.End(SIGTERM), 0);
     EXPECT_EQ(::kill(crawler, 0), -1);
     EXPECT_EQ(errno, ESRCH);
@@ -89,7 +99,7 @@ TEST_F(IndexServices, AnswerOnWhenTheCrawlerDiesAndBeginAnother) {
     beacon.Files().Add("a.ttf", NamedFace{"Foo"});
     Begin();
     const pid_t first = Crawler();
-    ASSERT_EQ(::kill(first, SIGSEGV), 0);
+    SignalCrawler(SIGSEGV);
     EXPECT_THAT(beacon.OfFamily("Foo"), ElementsAre("a.ttf"));
     ASSERT_TRUE(beacon.WaitUntil([&] { return Crawler() != 0 && Crawler() != first; }));
     beacon.Files().Add("b.ttf", NamedFace{"Bar"});
@@ -99,7 +109,7 @@ TEST_F(IndexServices, AnswerOnWhenTheCrawlerDiesAndBeginAnother) {
 TEST_F(IndexServices, AnswerWhileTheCrawlerIsStopped) {
     for (int i = 0; i < 50; ++i) beacon.Files().Add(std::to_string(i) + ".ttf", NamedFace{"Foo"});
     Begin();
-    ASSERT_EQ(::kill(Crawler(), SIGSTOP), 0);
+    SignalCrawler(SIGSTOP);
     EXPECT_EQ(beacon.OfFamily("Foo").size(), 50u);
     EXPECT_EQ(beacon.End(SIGTERM), 0); // and end in time
 }
@@ -141,20 +151,38 @@ TEST_F(IndexServices, SetABrokenIndexAsideAndMakeAnother) {
 }
 
 // A limit of files stands for a disk that is full.
-TEST_F(IndexServices, AnswerOnWithoutRoomOnTheDiskAndGoOnWhenThereIsSome) {
+TEST_F(IndexServices, AnswerOnWithoutRoomOnTheDiskSayItOnceAndGoOnWhenThereIsSome) {
     beacon.Files().Add("a.ttf", NamedFace{"Foo"});
+    const std::string log = beacon.Home().File("log");
+    ASSERT_TRUE(std::freopen(log.c_str(), "w", stderr)); // the service's, too
     Begin();
-    const auto limit = [this](rlim_t bytes) {
+    const auto limit = [](rlim_t bytes) {
         const rlimit wanted = {bytes, RLIM_INFINITY};
-        return ::prlimit(Crawler(), RLIMIT_FSIZE, &wanted, nullptr);
+        const pid_t crawler = Crawler();
+        return crawler <= 1 ? -1 : ::prlimit(crawler, RLIMIT_FSIZE, &wanted, nullptr);
     };
+    const auto has_no_room = [] { return RunningBeacon::State() == "no room"; };
     ASSERT_EQ(limit(100), 0);
     beacon.Files().Add("b.ttf", NamedFace{"Bar"});
-    EXPECT_TRUE(beacon.WaitUntil([] { return RunningBeacon::State() == "no room"; }));
+    ASSERT_TRUE(beacon.WaitUntil(has_no_room));
     EXPECT_THAT(beacon.OfFamily("Foo"), ElementsAre("a.ttf"));
     EXPECT_THAT(beacon.OfFamily("Bar"), IsEmpty());
+    ASSERT_TRUE(RebuildFontIndex()); // has it be tried again at once
+    ASSERT_TRUE(beacon.WaitUntil([&] { return beacon.Number("rebuilds") == 1 && has_no_room(); }));
     ASSERT_EQ(limit(RLIM_INFINITY), 0);
     EXPECT_TRUE(BecomesKnown("Bar"));
+    EXPECT_TRUE(beacon.WaitUntil(
+        [&] { return beacon.Number("files-read") >= 4; })); // the rebuild was not forgotten
+    beacon.End(SIGTERM);
+    std::ifstream file(log);
+    const std::string said{std::istreambuf_iterator<char>(file), {}};
+    const auto count = [&said](const std::string &text) {
+        size_t times = 0;
+        for (size_t at = said.find(text); at != std::string::npos; at = said.find(text, at + 1)) ++times;
+        return times;
+    };
+    EXPECT_EQ(count("cannot be kept"), 1u) << said;
+    EXPECT_EQ(count("is kept again"), 1u) << said;
 }
 
 TEST_F(IndexServices, NeverHoldUpOthersForOneWhoDoesNotListen) {

@@ -51,6 +51,7 @@ bool StartedService::Start(const char *program, const std::string &path,
 
 int StartedService::End(int signal) {
     int status = 0;
+    if (process_ <= 0) return -1; // these numbers mean many processes
     ::kill(process_, signal);
     ::waitpid(process_, &status, 0);
     process_ = -1;

@@ -25,7 +25,7 @@ public:
     bool Start(const char *program, const std::string &ready,
                const std::function<bool()> &prepare = nullptr);
 
-    // Ends it, waits for its end and gives what waitpid says.
+    // Ends it, waits for its end and gives what waitpid says; -1 for none that runs.
     int End(int signal);
 
     pid_t Process() const { return process_; }
