@@ -56,11 +56,13 @@ CrawlerProcess::~CrawlerProcess() {
     control_ = TDescriptor();
     const TDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, process_, 0)));
     pollfd event = {end.Get(), POLLIN, 0};
-    if (::poll(&event, 1, kEndPatience) > 0) return void(::waitpid(process_, nullptr, 0));
-    ::kill(process_, SIGKILL);
-    // One that waits for a drive that does not answer cannot even be killed, and is the system's from here
-    // on.
-    if (::poll(&event, 1, kEndPatience) > 0) ::waitpid(process_, nullptr, 0);
+    bool has_ended = ::poll(&event, 1, kEndPatience) > 0;
+    if (!has_ended) {
+        ::kill(process_, SIGKILL);
+        has_ended = ::poll(&event, 1, kEndPatience) > 0;
+    }
+    // One that waits for a drive that does not answer cannot even be killed, and is left to the system.
+    if (has_ended) ::waitpid(process_, nullptr, 0);
 }
 
 void CrawlerProcess::Start() {
