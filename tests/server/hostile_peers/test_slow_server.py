@@ -2,6 +2,7 @@
 # Clients of a server that is slow to start, and of one that says nothing at all.
 # Environment: VELLUM_TOOL, VELLUM_LIBRARY.
 import os
+import re
 import socket
 import struct
 import subprocess
@@ -23,11 +24,21 @@ LISTS = ("import ctypes, os, time; library = ctypes.CDLL(os.environ['VELLUM_LIBR
          "begin = time.monotonic(); library.VLCopyAvailableFontURLs(2); print(time.monotonic() - begin)")
 
 
+def loading_the_library(environment):
+    """The environment for an interpreter that loads the library: a sanitizer's runtime has to be there before."""
+    environment = {**environment, "VELLUM_LIBRARY": LIBRARY}
+    if IS_SANITIZED:
+        needed = subprocess.run(["ldd", LIBRARY], capture_output=True, check=True, text=True).stdout
+        environment["LD_PRELOAD"] = " ".join(re.findall(r"=> (\S*/lib(?:asan|ubsan)\S*)", needed))
+        environment["ASAN_OPTIONS"] = "detect_leaks=0"  # the interpreter keeps what it has
+    return environment
+
+
 class Silence(unittest.TestCase):
     """What a program pays once, in seconds, until it lists fonts without the server."""
 
     def seconds_of_a_program(self, environment):
-        done = subprocess.run([sys.executable, "-c", LISTS], env={**environment, "VELLUM_LIBRARY": LIBRARY},
+        done = subprocess.run([sys.executable, "-c", LISTS], env=loading_the_library(environment),
                               stdin=subprocess.DEVNULL, capture_output=True, timeout=60, text=True)
         self.assertEqual(done.returncode, 0, done.stderr[-2000:])
         return float(done.stdout)
