@@ -23,8 +23,9 @@ int IsOver(void *end) noexcept {
 
 // Styles tell least: what else is asked for comes first.
 std::vector<NameClause> InOrderOfUse(std::vector<NameClause> clauses) {
-    std::ranges::stable_partition(
-        clauses, [](const NameClause &clause) { return clause.attribute != NameAttribute::kStyle; });
+    std::stable_partition(clauses.begin(), clauses.end(), [](const NameClause &clause) {
+        return clause.attribute != NameAttribute::kStyle;
+    });
     return clauses;
 }
 
