@@ -1,28 +1,44 @@
 // SPDX-License-Identifier: MIT
 // TAutoActivationManager: looks for fonts that no register has, beyond the registers, and activates them.
 //
-// Exported lookups ask it last of all, with no register's lock held. It knows of no place to look in yet,
-// so that it never finds any; docs/architecture.md says so.
+// Exported lookups ask it last of all, with no register's lock held. It asks the programs that offer fonts,
+// provider_fonts.cpp, and then, where the user allows it, the index of font files, metadata_search.cpp.
+// What the index finds is looked through folder by folder, found_fonts.hpp.
 #pragma once
 
 #include <vellum/values.hpp>
-#include <vellum/vellum.h>
+#include <vellum/vellum.hpp>
 
 #include <atomic>
+#include <chrono>
+#include <string>
 
 namespace vellum {
 
+// How long others are waited for. Tests wait less long.
+struct ActivationPatience {
+    std::chrono::milliseconds query = std::chrono::seconds(5); // for the index of font files
+    double provider_takes_request = 60;                        // seconds
+    double provider_replies = 300;                             // seconds
+};
+
 class TAutoActivationManager {
 public:
-    // `request` (borrowed) is what the fonts must match; providers or the search may be left out.
-    TAutoActivationManager(const ValDictionary *request, bool skips_providers, bool skips_search) noexcept
-        : request_(Retain(request)), skips_providers_(skips_providers), skips_search_(skips_search) {}
+    // `request` (borrowed; null finds nothing) is what the fonts must match; providers or the search may be
+    // left out. Asks the font server for the providers. May throw std::bad_alloc.
+    TAutoActivationManager(const ValDictionary *request, bool skips_providers, bool skips_search);
 
-    // The URLs of the fonts that were found and registered in a scope, best first; null for none.
+    // The URLs of the fonts that were found, best first: of the process's register, in which they then are,
+    // or of the font server's, if that has what a provider offers. Null for none. That no other scope than
+    // the process's is meant, whatever `scope` says, is deliberate.
     Ref<const ValArray> CopyAutoActivatedFonts(VLScope scope) const;
 
     // The best of them alone.
     Ref<const ValURL> CopyAutoActivatedFont(VLScope scope) const;
+
+    // The fonts that would be activated if the user allowed everything, best first; null for none. Nothing
+    // is activated, no provider is asked and nobody else. May throw std::bad_alloc.
+    Ref<const ValArray> CopyActivatableFonts() const;
 
     // ---- what the user set: auto_activation_settings.cpp ----
     // Settings are read anew each time. What cannot be kept is logged. These may throw std::bad_alloc.
@@ -59,10 +75,35 @@ public:
     // Set where searching failed too often; what is read of the settings clears it once it has changed.
     static std::atomic<bool> sBeaconQueriesDisabled;
 
+    // How many searches in a row failed, or were not answered in time. Not reset with the flag above,
+    // deliberately: where a changed setting has searches go on, one more failure ends them again.
+    static std::atomic<uint32_t> sNumUnknownBeaconErrors;
+
+    static ActivationPatience sPatience;
+
 private:
+    // What was learned of a group of fonts that the user was asked about, or need not be.
+    enum class Consent { kGiven, kRefused };
+
+    // ---- providers: provider_fonts.cpp ----
+    static Ref<const ValData> CreateFlattenedRequest(const ValDictionary *request);
+    Ref<const ValArray> CopyFontsFromFontProvider(const VLMessagePort *port) const;
+    Ref<const ValArray> CopyFontsOfProviders() const;
+
+    // ---- the search: metadata_search.cpp ----
+    static std::string InitQueryStringForRequest(const ValDictionary *request);
+    Ref<const ValArray> CopyFontsFromAutoActivation() const;
+
+    // ---- activation ----
+    Ref<const ValArray> CopyFontsOfSearch(bool asks) const;
+    Consent AskUser(Ref<const ValArray> &fonts) const;
+    Ref<const ValArray> Activate(const ValArray *fonts) const;
+    Ref<const ValArray> CopyFontsOfProcess() const;
+
     const Ref<const ValDictionary> request_;
-    const bool skips_providers_;
-    const bool skips_search_;
+    const Ref<const ValArray> provider_ports_;   // of VLMessagePort; null without providers
+    const Ref<const ValData> flattened_request_; // as providers get it; null without providers
+    const std::string query_;                    // empty: nothing to search by
 };
 
 } // namespace vellum

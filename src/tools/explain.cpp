@@ -186,7 +186,8 @@ std::string WordsForStage(const ValDictionary *stage, VLScope scope) {
                (decided_by ? " by the " + WordsFor(static_cast<const ValString *>(decided_by))
                            : ", as it was registered first");
     }
-    if (kind == "activation") return "  nothing is activated on demand";
+    if (kind == "activation") return "  no register has it: it is looked for beyond them";
+    if (kind == "activated") return "  that ended so: " + TextAt(stage, "outcome");
     return "  " + kind;
 }
 

@@ -104,7 +104,11 @@ TEST_F(LookupTraces, TellThatACharacterIsRemembered) {
 TEST_F(LookupTraces, TellThatFontsMayBeActivated) {
     Listen();
     EXPECT_FALSE(Adopt(VLCopyFontWithName(String("Nobody").Get(), kVLScopeProcess, 0)));
-    EXPECT_EQ(Stages("activation").size(), 1U);
+    ASSERT_EQ(Stages("activation").size(), 1U);
+    EXPECT_EQ(TextOf(At(Stages("activation")[0], "search")),
+              "com_orrery_fount_name_postscript == \"Nobody\"");
+    ASSERT_EQ(Stages("activated").size(), 1U);
+    EXPECT_EQ(TextOf(At(Stages("activated")[0], "outcome")), "not allowed"); // a test is no application
     EXPECT_EQ(Named("Nobody", kVLScopeProcess), "(null)");
     EXPECT_THAT(Stages("activation"), IsEmpty());
 }

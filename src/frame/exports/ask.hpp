@@ -2,27 +2,13 @@
 // How an exported function reaches the registers: each through a handle of its own, never both at once.
 #pragma once
 
-#include "frame/handles/global_glyphary.hpp"
-#include "frame/handles/local_glyphary.hpp"
+#include "frame/handles/registers.hpp"
 #include "frame/registry/scope.hpp"
-#include "store/legacy_bridge.hpp"
 #include "values/lookup_trace.hpp"
 
 #include <string_view>
 
 namespace vellum {
-
-// The handles. A register that is being made tells the legacy font service of its fonts, whose code is to
-// be loaded before: other threads wait until the register is there, perhaps with the loader's lock held.
-inline TLocalGlyphary ProcessRegister() {
-    if (!TLocalGlyphary::IsCreated()) FindFountFunctions();
-    return TLocalGlyphary();
-}
-
-inline TGlobalGlyphary SharedRegister() {
-    if (!TGlobalGlyphary::IsCreated()) FindFountFunctions();
-    return TGlobalGlyphary();
-}
 
 inline void TellRegister(std::string_view which) noexcept {
     LookupTrace::Tell("register", [&](TValMutableDict &stage) {

@@ -15,7 +15,7 @@ namespace {
 constinit const StaticString kLayoutFramework("com.orrery.Laydown");
 
 // One that looks for nothing.
-TAutoActivationManager IdleManager() noexcept {
+TAutoActivationManager IdleManager() {
     return {nullptr, true, true};
 }
 

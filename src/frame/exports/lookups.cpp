@@ -9,6 +9,7 @@
 #include "frame/exports/guard_lookup.hpp"
 #include "frame/exports/merge_answers.hpp"
 #include "ipc/client/character_reject_cache.hpp"
+#include "ipc/notify/change_notifications.hpp"
 #include "platform/process/passing_failures.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
@@ -26,14 +27,20 @@ bool MayActivate(VLScope scope, VLActivationOptions activation) noexcept {
     return AsksProcess(scope) && !(activation & kActivatesNothing);
 }
 
-TAutoActivationManager ActivationFor(const ValDictionary *request,
-                                     VLActivationOptions activation) noexcept {
+TAutoActivationManager ActivationFor(const ValDictionary *request, VLActivationOptions activation) {
     return {request, (activation & kVLActivationNotFromProviders) != 0,
             (activation & kVLActivationNotFromSearch) != 0};
 }
 
+// Fonts that were activated are told of here, once they can be had.
+void TellOfActivated(const ValArray *urls) {
+    PostNotification(kVLScopeProcess, kAvailableFontURLsAddedKey, urls);
+}
+
 Ref<const ValURL> ActivateFont(const ValDictionary *request, VLActivationOptions activation) {
-    return ActivationFor(request, activation).CopyAutoActivatedFont(kVLScopeProcess);
+    auto url = ActivationFor(request, activation).CopyAutoActivatedFont(kVLScopeProcess);
+    if (url) TellOfActivated(OneElement(url.Get()).Get());
+    return url;
 }
 
 // What is said of a font of which no more is known.
@@ -49,6 +56,7 @@ Ref<const ValArray> ActivateFonts(const ValDictionary *request, VLActivationOpti
                                   const ValSet *keys) {
     const auto urls = ActivationFor(request, activation).CopyAutoActivatedFonts(kVLScopeProcess);
     if (ValArrayGetCount(urls.Get()) == 0) return nullptr;
+    TellOfActivated(urls.Get());
     const auto properties = ProcessRegister().CopyPropertiesForFonts(urls.Get(), keys, kVLScopeProcess);
     TValMutableArray fonts;
     for (const void *element : Elements(urls.Get())) {

@@ -3,7 +3,6 @@
 
 #include "ipc/client/server_name.hpp"
 #include "ipc/client/stubs.hpp"
-#include "ipc/encoding/flatten_context.hpp"
 #include "ipc/encoding/travelling_values.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/process/fork_gate.hpp"
@@ -109,13 +108,6 @@ Ref<const void> Answer(const FontProviderBlock &block, const ValDictionary *requ
     const int32_t process = ReadSInt32(entries[ProviderKey("pid").Get()]);
     const OutsideLibrary calling;
     return Adopt(block.callback(block.context.get(), attributes, process));
-}
-
-Ref<const ValData> FlattenedData(const void *value) {
-    const auto data = OrBadAlloc(Adopt(ValDataCreateMutable(0)));
-    TValFlattenContext context(data.Get(), false);
-    context.Flatten(value);
-    return context.IsOk() && context.GetLength() ? Retain<const ValData>(data.Get()) : nullptr;
 }
 
 } // namespace

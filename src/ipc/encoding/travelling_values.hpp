@@ -2,9 +2,11 @@
 // Values into the memory of a message, and out of it: for both ends.
 #pragma once
 
+#include "ipc/encoding/flatten_context.hpp"
 #include "ipc/encoding/resurrect_context.hpp"
 #include "ipc/encoding/vm_flatten_context.hpp"
 #include "platform/port/message.hpp"
+#include "values/out_of_memory.hpp"
 #include "values/val_cast.hpp"
 
 #include <memory>
@@ -19,6 +21,14 @@ inline std::optional<OutgoingMemory> Flattened(const void *value) {
     const size_t length = context.GetLength();
     if (!context.GetBuffer()) return std::nullopt;
     return OutgoingMemory{std::make_shared<const MemoryBlock>(context.OrphanBuffer()), length};
+}
+
+// The same as a value; null where that is nothing. Throws std::bad_alloc.
+inline Ref<const ValData> FlattenedData(const void *value) {
+    const auto data = OrBadAlloc(Adopt(ValDataCreateMutable(0)));
+    TValFlattenContext context(data.Get(), false);
+    context.Flatten(value);
+    return context.IsOk() && context.GetLength() ? Retain<const ValData>(data.Get()) : nullptr;
 }
 
 // The value that has travelled; null for no bytes.

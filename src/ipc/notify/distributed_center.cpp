@@ -10,10 +10,10 @@
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/process/fork_gate.hpp"
+#include "platform/process/own_thread.hpp"
 #include "values/val_dictionary.hpp"
 
 #include <pthread.h>
-#include <signal.h>
 #include <time.h>
 
 #include <algorithm>
@@ -134,10 +134,7 @@ void DistributedCenter::Listen() noexcept {
         mine->center.ReceiveForEver(std::move(mine->socket));
         return nullptr;
     };
-    // Signals are the program's: none of them is handled on a thread that it does not know.
-    sigset_t all, former;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &former);
+    const SignalsBlocked blocked;
     pthread_attr_t attributes;
     ::pthread_attr_init(&attributes);
     ::pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
@@ -148,7 +145,6 @@ void DistributedCenter::Listen() noexcept {
     else
         listens_in_.store(0, std::memory_order_release); // the next who comes tries again
     ::pthread_attr_destroy(&attributes);
-    ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
 }
 
 void DistributedCenter::ReceiveForEver(TDescriptor socket) noexcept {

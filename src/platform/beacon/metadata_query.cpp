@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/beacon/metadata_query.hpp"
 
+#include "platform/loop/private_loop.hpp"
 #include "platform/notify/notification_center.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/val/static_string.hpp"
@@ -22,10 +23,6 @@ constinit const StaticString kFinished("VLMetadataQueryDidFinishGatheringNotific
 // The message, as docs/messages.md has it.
 constexpr int32_t kFindFontFilesID = 15000;
 constexpr int32_t kReplyOffset = 100;
-
-struct UnrefContext {
-    void operator()(GMainContext *context) const noexcept { g_main_context_unref(context); }
-};
 
 OutgoingMessage RequestFor(const std::string &text) {
     OutgoingMessage message;
@@ -134,20 +131,19 @@ void MetadataQuery::Complete(std::vector<MetadataItem> results) noexcept {
 
 std::optional<std::vector<MetadataItem>> MetadataQuery::Run(std::string service, std::string text,
                                                             std::chrono::milliseconds patience) {
-    const std::unique_ptr<GMainContext, UnrefContext> context(g_main_context_new());
+    struct Waiting {
+        PrivateLoop loop{"VLMetadataQuery"};
+        bool is_over = false;
+    } waiting;
     MetadataQuery query(std::move(service), std::move(text));
-    if (!query.Execute(context.get())) return std::nullopt;
-    bool is_over = false;
-    GSource *timer = g_timeout_source_new(static_cast<guint>(patience.count()));
-    const GSourceFunc end = [](gpointer over) -> gboolean {
-        *static_cast<bool *>(over) = true;
-        return G_SOURCE_REMOVE;
+    if (!query.Execute(waiting.loop.Context())) return std::nullopt;
+    const TimerAction end = [](void *info) noexcept {
+        static_cast<Waiting *>(info)->is_over = true;
+        static_cast<Waiting *>(info)->loop.Stop();
     };
-    g_source_set_callback(timer, end, &is_over, nullptr);
-    g_source_attach(timer, context.get());
-    while (!query.IsGatheringComplete() && !is_over) g_main_context_iteration(context.get(), TRUE);
-    g_source_destroy(timer);
-    g_source_unref(timer);
+    waiting.loop.SetTimer(patience, end, &waiting);
+    while (!query.IsGatheringComplete() && !waiting.is_over)
+        g_main_context_iteration(waiting.loop.Context(), TRUE);
     if (!query.IsGatheringComplete()) return std::nullopt;
     return std::move(query.results_);
 }

@@ -6,10 +6,10 @@
 #include "platform/port/port_address.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/process/fork_gate.hpp"
+#include "platform/process/own_thread.hpp"
 #include "platform/process/process.hpp"
 
 #include <poll.h>
-#include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -226,11 +226,8 @@ std::unique_ptr<LocalMessagePort> LocalMessagePort::Create(const std::string &na
     state->listener = PortListener::Open(name);
     if (!state->listener.IsOpen()) return nullptr;
     std::unique_ptr<LocalMessagePort> port(new LocalMessagePort(state));
-    // Signals are the program's: none of them is handled on a thread that it does not know.
-    sigset_t all, former;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &former);
     try {
+        const SignalsBlocked blocked;
         std::thread([state] {
             try {
                 state->Run();
@@ -243,7 +240,6 @@ std::unique_ptr<LocalMessagePort> LocalMessagePort::Create(const std::string &na
     } catch (const std::system_error &) {
         port = nullptr;
     }
-    ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
     return port;
 }
 
