@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char kCompanion[] = "libGlypharyUI.so";
+
 // On a volume; temporary folders lie where TMPDIR says.
 std::unique_ptr<const FontFolder> MakeFolder(Volume volume) {
     const std::string usual = fs::temp_directory_path();
@@ -56,9 +58,12 @@ int Machine::Questions() const {
 }
 
 void Machine::InstallCompanion(const std::string &library) const {
-    const std::string path = resources_.Folder().File("libGlypharyUI.so");
-    fs::remove(path);
-    fs::create_symlink(library, path);
+    RemoveCompanion();
+    fs::create_symlink(library, resources_.Folder().File(kCompanion));
+}
+
+void Machine::RemoveCompanion() const {
+    fs::remove(resources_.Folder().File(kCompanion));
 }
 
 } // namespace vellum::test

@@ -40,6 +40,7 @@ public:
 
     // Has a library of the test's stand for the companion.
     void InstallCompanion(const std::string &library) const;
+    void RemoveCompanion() const;
 
     RunningServer &Server() { return server_; }
     RunningBeacon &Beacon() { return beacon_; }

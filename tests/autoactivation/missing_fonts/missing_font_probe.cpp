@@ -78,7 +78,8 @@ const void *OfferNothing(void *, const ValDictionary *, int32_t) {
 }
 
 std::string Offer() {
-    return VLCreateFontProviderLocalPort(OfferNothing, nullptr, nullptr) ? "offering" : "failed";
+    static VLMessagePort *const port = VLCreateFontProviderLocalPort(OfferNothing, nullptr, nullptr);
+    return port ? "offering" : "failed";
 }
 
 void HavePatience(int milliseconds) {
