@@ -11,7 +11,7 @@ VELLUM_FONT_FOLDERS=(/usr/share/fonts /usr/local/share/fonts /usr/share/texmf/fo
 VELLUM_BUILD_PACKAGES=(
     g++ cmake ninja-build pkg-config
     libharfbuzz-dev libfreetype-dev libglib2.0-dev libexpat1-dev libicu-dev libfontconfig-dev libsqlite3-dev
-    libcli11-dev nlohmann-json3-dev
+    libcli11-dev nlohmann-json3-dev libarchive-dev
     libgtest-dev libgmock-dev libbenchmark-dev
 )
 

@@ -62,7 +62,7 @@ if(NOT VELLUM_SANITIZE)
 endif()
 
 # ---- the tool --------------------------------------------------------------------------------------
-foreach(verb inspect coverage fontinfo list match text change monitor server policy index)
+foreach(verb inspect coverage fontinfo list match text change monitor server policy activate index)
     vellum_add_check(tools.${verb} tools TIMEOUT 300
         ENVIRONMENT VELLUM_TOOL=$<TARGET_FILE:vellum_tool> VELLUM_BEACON=$<TARGET_FILE:vellum_beacon>
         COMMAND ${VELLUM_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/tools/test_${verb}.py)

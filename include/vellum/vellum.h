@@ -494,6 +494,17 @@ enum {
 };
 
 /*
+ * The fonts that a query for a request would activate if no register had one and the user allowed it: an
+ * array of face URLs (ValURL), best first, owned by the caller. They are those of the first provider that
+ * offers some that fit, else those of the first folder with some, of the index of font files; either is
+ * left out by its option. Faces that a register holds disabled are none. Nothing is activated, and nobody
+ * is asked for consent. Takes as long as the providers and the index do: a provider up to six minutes, the
+ * index five seconds. Null for none, for null and for what is no dictionary, and when memory is exhausted.
+ */
+VL_EXPORT const ValArray *VLCopyActivatableFonts(const ValDictionary *request,
+                                                 VLActivationOptions options) VL_NOEXCEPT;
+
+/*
  * The setting of one application, by its identifier (any text but the empty one). "com.orrery.Laydown"
  * stands for the setting for all; null for the calling application, which is the one that
  * "BundleIdentifier" in the Info.vlist of its bundle names, or else the one that Flatpak or the desktop

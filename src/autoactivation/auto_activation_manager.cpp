@@ -107,6 +107,7 @@ Ref<const ValURL> TAutoActivationManager::CopyAutoActivatedFont(VLScope scope) c
 }
 
 Ref<const ValArray> TAutoActivationManager::CopyActivatableFonts() const {
+    if (auto fonts = CopyActivatableFontsOfProviders()) return fonts;
     const auto files = CopyFontsFromAutoActivation();
     for (const auto &group : GroupByFolder(files.Get()))
         if (auto fonts = CopyFittingFaces(group.Get(), request_.Get())) return fonts;

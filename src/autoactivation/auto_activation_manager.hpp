@@ -36,8 +36,9 @@ public:
     // The best of them alone.
     Ref<const ValURL> CopyAutoActivatedFont(VLScope scope) const;
 
-    // The fonts that would be activated if the user allowed everything, best first; null for none. Nothing
-    // is activated, no provider is asked and nobody else. May throw std::bad_alloc.
+    // The fonts that would be activated if the user allowed everything, by the URLs that they have now,
+    // best first: those of the first provider that has some, else of the first folder. Null for none. May
+    // throw std::bad_alloc.
     Ref<const ValArray> CopyActivatableFonts() const;
 
     // ---- what the user set: auto_activation_settings.cpp ----
@@ -89,6 +90,7 @@ private:
     static Ref<const ValData> CreateFlattenedRequest(const ValDictionary *request);
     Ref<const ValArray> CopyFontsFromFontProvider(const VLMessagePort *port) const;
     Ref<const ValArray> CopyFontsOfProviders() const;
+    Ref<const ValArray> CopyActivatableFontsOfProviders() const;
 
     // ---- the search: metadata_search.cpp ----
     static std::string InitQueryStringForRequest(const ValDictionary *request);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Fonts that other programs offer: each is asked for those that it has for the request.
 #include "autoactivation/auto_activation_manager.hpp"
+#include "autoactivation/found_fonts.hpp"
 #include "frame/handles/registers.hpp"
 #include "ipc/client/font_provider.hpp"
 #include "ipc/client/message_port_value.hpp"
@@ -62,6 +63,14 @@ Ref<const ValArray> TAutoActivationManager::CopyFontsOfProviders() const {
         ProcessRegister().RegisterFonts(offered.Get(), nullptr, 0, kVLScopeProcess, nullptr);
         fonts = CopyFontsOfProcess();
         if (ValArrayGetCount(fonts.Get()) > 0) return fonts;
+    }
+    return nullptr;
+}
+
+Ref<const ValArray> TAutoActivationManager::CopyActivatableFontsOfProviders() const {
+    for (const void *element : Elements(provider_ports_.Get())) {
+        const auto offered = CopyFontsFromFontProvider(static_cast<const VLMessagePort *>(element));
+        if (auto fonts = CopyFittingFaces(offered.Get(), request_.Get())) return fonts;
     }
     return nullptr;
 }

@@ -10,8 +10,6 @@
 
 namespace vellum::tool {
 
-namespace {
-
 Json ToJson(const Changed &file) {
     return {{"path", file.path},
             {"done", !file.problem},
@@ -19,12 +17,13 @@ Json ToJson(const Changed &file) {
             {"problem", file.problem ? Json(file.problem->reason) : Json()}};
 }
 
-std::string FacesInWords(const Changed &file) {
-    if (file.faces.size() == 1) return file.faces.front();
-    return file.faces.empty() ? "" : Grouped(file.faces.size()) + " faces";
+// Of a file that is gone it is not known which faces it had.
+std::string ToLine(const Changed &file) {
+    std::string line = Printable(file.path);
+    if (file.faces.size() == 1) line += "  " + file.faces.front();
+    if (file.faces.size() > 1) line += "  " + Grouped(file.faces.size()) + " faces";
+    return line;
 }
-
-} // namespace
 
 void ChangeResults::Add(const Changed &file) {
     if (options_.json)
@@ -39,11 +38,8 @@ void ChangeResults::Add(const Changed &file) {
         ++done_;
 }
 
-// Of a file that is gone it is not known which faces it had.
 void ChangeResults::Show(const Changed &file) const {
-    const std::string faces = FacesInWords(file);
-    std::cout << (options_.dry_run ? "would be " : "") << names_.done << "  " << Printable(file.path)
-              << (faces.empty() ? "" : "  ") << faces << '\n';
+    std::cout << (options_.dry_run ? "would be " : "") << names_.done << "  " << ToLine(file) << '\n';
 }
 
 int ChangeResults::Finish() {

@@ -6,6 +6,7 @@
 #include "tools/json.hpp"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace vellum::tool {
@@ -15,6 +16,10 @@ struct VerbNames {
     const char *name; // register
     const char *done; // registered
 };
+
+// One result: for programs; and for people, what was changed.
+Json ToJson(const Changed &file);
+std::string ToLine(const Changed &file);
 
 // Shows each result when it is there.
 class ChangeResults {

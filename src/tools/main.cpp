@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // vellum VERB: fonts from the command line. Each verb is a file of its own that adds itself here.
+#include "tools/activate.hpp"
 #include "tools/change.hpp"
 #include "tools/coverage.hpp"
 #include "tools/doctor.hpp"
@@ -62,6 +63,7 @@ int Run(int count, char **arguments) {
     AddCoverage(app, result);
     AddFontInfo(app, result);
     AddChanges(app, result);
+    AddActivate(app, result);
     AddMonitor(app, result);
     AddServer(app, result);
     AddProvider(app, result);

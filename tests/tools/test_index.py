@@ -18,12 +18,12 @@ NO_SERVER = 3
 class IndexCase(ToolCase):
     def setUp(self):
         super().setUp()
-        (self.home / "xdg_runtime_dir").mkdir(mode=0o700)
+        (self.home / "xdg_runtime_dir").mkdir(mode=0o700, exist_ok=True)
 
     def environment(self, **more):
         return super().environment(VELLUM_INDEX_ROOTS=str(self.folder), DBUS_SESSION_BUS_ADDRESS="none:", **more)
 
-    def start(self):
+    def start_index(self):
         path = self.scratch / "ready"
         with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as ready:
             ready.bind(str(path))
@@ -36,8 +36,8 @@ class IndexCase(ToolCase):
         return process
 
     def start_and_read(self):
-        process = self.start()
-        self.say(DONE, "rebuild")
+        process = self.start_index()
+        self.assertEqual(self.run_tool("index", "rebuild").returncode, DONE)
         return process
 
     def say(self, status, *arguments):

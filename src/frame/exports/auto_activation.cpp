@@ -29,6 +29,15 @@ bool IsApplication(const ValString *application) noexcept {
 
 } // namespace
 
+const ValArray *VLCopyActivatableFonts(const ValDictionary *request, VLActivationOptions options) noexcept {
+    if (!IsArgument<ValDictionary>(request)) return nullptr;
+    return GuardCopy([&] {
+        return TAutoActivationManager(request, (options & kVLActivationNotFromProviders) != 0,
+                                      (options & kVLActivationNotFromSearch) != 0)
+            .CopyActivatableFonts();
+    });
+}
+
 VLAutoActivationSetting VLGetAutoActivationSetting(const ValString *application) noexcept {
     if (!IsApplication(application)) return kVLAutoActivationDefault;
     return Guard([&] {
