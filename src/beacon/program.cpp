@@ -8,6 +8,7 @@
 #include "platform/log/log.hpp"
 #include "platform/port/service_address.hpp"
 #include "service/readiness.hpp"
+#include "service/service_lock.hpp"
 #include "service/service_process.hpp"
 #include "service/session_bus.hpp"
 
@@ -47,7 +48,7 @@ void Serve(bool is_in_foreground) {
     if (folder.empty())
         throw std::runtime_error("there is no folder for services that is this user's alone");
     if (name.empty()) throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
-    const TDescriptor lock = TakeServiceLock(folder, name, "an index of font files");
+    const TDescriptor lock = TakeServiceLock(folder, name, name, "an index of font files");
     const TDescriptor signals = EndingSignals();
     ::signal(SIGXFSZ, SIG_IGN); // a limit of files is an error as any, for the crawler too
     RaiseDescriptorLimit();

@@ -17,6 +17,7 @@
 #include "server/service_names.hpp"
 #include "service/message_service.hpp"
 #include "service/readiness.hpp"
+#include "service/service_lock.hpp"
 #include "service/service_process.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
@@ -101,7 +102,8 @@ std::string FolderForServices() {
 void Serve(const StartReport &report) {
     const std::string folder = FolderForServices();
     const ServerName name, hub_name(kNotificationHubName);
-    const TDescriptor right = TakeRightToNames(folder);
+    // Somebody else, a service manager, may listen under the first name; under the second nobody else does.
+    const TDescriptor lock = TakeServiceLock(folder, name.Get(), hub_name.Get(), "a font server");
     const TDescriptor signals = EndingSignals();
     RaiseDescriptorLimit();
 
@@ -139,7 +141,7 @@ int Run(const StartReport &report) {
     try {
         Serve(report);
         return EXIT_SUCCESS;
-    } catch (const ServerRunsAlready &already) {
+    } catch (const ServiceRunsAlready &already) {
         report(EXIT_SUCCESS, kProgram + already.what());
         return EXIT_SUCCESS;
     } catch (const std::exception &problem) {

@@ -1,24 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The names under which the server is found, and that it is the only one to have them.
+// The names under which the server is found.
 #pragma once
 
 #include "ipc/client/server_name.hpp"
 #include "platform/fs/file.hpp"
 #include "platform/port/service_address.hpp"
 
-#include <stdexcept>
-#include <string>
-
 namespace vellum {
-
-// Another server has the name, and answers.
-struct ServerRunsAlready : std::runtime_error {
-    ServerRunsAlready() : std::runtime_error("a font server runs already") {}
-};
-
-// Has the right to the names for as long as the result lives; it lies in a file of the folder. One that is
-// just ending is waited for. Throws ServerRunsAlready, and std::runtime_error for any other trouble.
-TDescriptor TakeRightToNames(const std::string &folder);
 
 // A name that this server has taken. It is given back at the end, unless somebody else has it by then: a
 // service manager may have made a socket of its own in that place.

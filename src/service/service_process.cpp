@@ -4,9 +4,7 @@
 #include "platform/port/service_address.hpp"
 #include "platform/process/random.hpp"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/signalfd.h>
 
@@ -15,15 +13,6 @@
 #include <stdexcept>
 
 namespace vellum {
-
-TDescriptor TakeServiceLock(const std::string &folder, const std::string &name, const char *what) {
-    const std::string path = folder + "/" + name + ".lock";
-    TDescriptor lock(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!lock.IsOpen()) throw std::runtime_error("cannot open " + path + ": " + std::strerror(errno));
-    if (::flock(lock.Get(), LOCK_EX | LOCK_NB) != 0)
-        throw std::runtime_error(std::string(what) + " of this name runs already");
-    return lock;
-}
 
 TDescriptor ListenOrThrow(const std::string &name) {
     TDescriptor listener = ListenAsService(name.c_str());

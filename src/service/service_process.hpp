@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What every service of a user is as a process: one of its name, with sockets, ended by a signal.
+// What every service of a user is as a process: it has sockets, and is ended by a signal.
 #pragma once
 
 #include "platform/fs/file.hpp"
@@ -8,10 +8,6 @@
 #include <string>
 
 namespace vellum {
-
-// Held for as long as the one service of this name lives; `what` it is called where another has it. Throws
-// std::runtime_error.
-TDescriptor TakeServiceLock(const std::string &folder, const std::string &name, const char *what);
 
 // A socket that listens under the name of a service. Throws std::runtime_error.
 TDescriptor ListenOrThrow(const std::string &name);

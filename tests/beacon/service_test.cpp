@@ -10,11 +10,13 @@
 #include "platform/port/service_address.hpp"
 #include "running_beacon.hpp"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sched.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -23,6 +25,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <thread>
 
 namespace vellum::test {
 namespace {
@@ -92,6 +95,18 @@ TEST_F(IndexServices, AreOneAtATimeAndLeaveNoCrawlerBehind) {
     EXPECT_EQ(beacon.End(SIGTERM), 0);
     EXPECT_EQ(::kill(crawler, 0), -1);
     EXPECT_EQ(errno, ESRCH);
+}
+
+TEST_F(IndexServices, WaitForOneThatIsJustEnding) {
+    const std::string path = ServicesFolder(IfMissing::kMake) + "/" + kBeaconName + ".lock";
+    const int lock = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    StartedService service;
+    service.Begin(VELLUM_BEACON, beacon.Home().File("ready"));
+    while (!HasEndedOrWaitsAt(service.Process(), path)) std::this_thread::yield();
+    ::close(lock);
+    ASSERT_TRUE(service.IsReady());
+    EXPECT_EQ(service.End(SIGTERM), 0);
 }
 
 // As a parser that fails badly would end it.

@@ -176,18 +176,7 @@ TEST_F(Background, ServerWaitsForOneThatIsJustEnding) {
     const int lock = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(::flock(lock, LOCK_EX), 0);
     const pid_t process = Begin({"--foreground"});
-    const auto has_come = [&] {
-        std::error_code error;
-        for (const auto &entry : fs::directory_iterator("/proc/" + std::to_string(process) + "/fd", error))
-            if (fs::read_symlink(entry.path(), error) == path) return true;
-        return false;
-    };
-    const auto has_ended_or_waits = [&] {
-        const std::string about = ContentOf("/proc/" + std::to_string(process) + "/stat");
-        const char state = about.at(about.rfind(')') + 2);
-        return state == 'Z' || (state == 'S' && has_come());
-    };
-    while (!has_ended_or_waits()) std::this_thread::yield();
+    while (!HasEndedOrWaitsAt(process, path)) std::this_thread::yield();
     ::close(lock);
     while (VLGetFontServerProcess() == 0) ASSERT_EQ(::waitpid(process, nullptr, WNOHANG), 0);
     EXPECT_EQ(VLGetFontServerProcess(), process);

@@ -11,6 +11,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
 
 namespace vellum::test {
 
@@ -23,13 +27,32 @@ int ListenForReadiness(const std::string &path) {
     return socket;
 }
 
+bool HasEndedOrWaitsAt(pid_t process, const std::string &file) {
+    const std::filesystem::path about = "/proc/" + std::to_string(process);
+    std::ifstream stat(about / "stat");
+    const std::string text(std::istreambuf_iterator<char>(stat), {});
+    const char state = text.at(text.rfind(')') + 2);
+    if (state != 'S') return state == 'Z';
+    std::error_code error;
+    for (const auto &entry : std::filesystem::directory_iterator(about / "fd", error))
+        if (std::filesystem::read_symlink(entry.path(), error) == file) return true;
+    return false;
+}
+
 StartedService::~StartedService() {
     if (process_ > 0) End(SIGKILL);
+    if (ready_ >= 0) ::close(ready_);
 }
 
 bool StartedService::Start(const char *program, const std::string &path,
                            const std::function<bool()> &prepare) {
-    const int ready = ListenForReadiness(path);
+    Begin(program, path, prepare);
+    return IsReady();
+}
+
+void StartedService::Begin(const char *program, const std::string &path,
+                           const std::function<bool()> &prepare) {
+    ready_ = ListenForReadiness(path);
     process_ = ::fork();
     if (process_ == 0) {
         ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
@@ -37,11 +60,14 @@ bool StartedService::Start(const char *program, const std::string &path,
         ::execl(program, program, "--foreground", nullptr);
         ::_exit(127);
     }
+}
+
+bool StartedService::IsReady() {
     const int process = static_cast<int>(::syscall(SYS_pidfd_open, process_, 0));
-    pollfd events[] = {{ready, POLLIN, 0}, {process, POLLIN, 0}};
+    pollfd events[] = {{ready_, POLLIN, 0}, {process, POLLIN, 0}};
     while (::poll(events, 2, -1) < 0) {
     }
-    ::close(ready);
+    ::close(std::exchange(ready_, -1));
     ::close(process);
     if (events[0].revents & POLLIN) return true;
     ::waitpid(process_, nullptr, 0);

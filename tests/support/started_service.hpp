@@ -12,6 +12,9 @@ namespace vellum::test {
 // A socket of that path on which a service says that it is ready.
 int ListenForReadiness(const std::string &path);
 
+// True when a process has ended, or sleeps with that file open: it waits for something there.
+bool HasEndedOrWaitsAt(pid_t process, const std::string &file);
+
 class StartedService {
 public:
     StartedService() = default;
@@ -25,6 +28,11 @@ public:
     bool Start(const char *program, const std::string &ready,
                const std::function<bool()> &prepare = nullptr);
 
+    // The same in two steps, between which the process is known.
+    void Begin(const char *program, const std::string &ready,
+               const std::function<bool()> &prepare = nullptr);
+    bool IsReady();
+
     // Ends it, waits for its end and gives what waitpid says; -1 for none that runs.
     int End(int signal);
 
@@ -32,6 +40,7 @@ public:
 
 private:
     pid_t process_ = -1;
+    int ready_ = -1;
 };
 
 } // namespace vellum::test
