@@ -2,11 +2,10 @@
 #include "beacon/name_index.hpp"
 
 #include "platform/log/log.hpp"
-#include "platform/process/process.hpp"
+#include "service/user_folder.hpp"
 
 #include <sys/stat.h>
 
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -58,18 +57,7 @@ struct NameIndex::Statements {
 };
 
 std::string NameIndexPath() {
-    const char *cache = GetEnvironment("XDG_CACHE_HOME"), *home = GetEnvironment("HOME");
-    std::string folder;
-    if (cache && *cache == '/')
-        folder = std::string(cache) + "/vellum";
-    else if (home && *home == '/')
-        folder = std::string(home) + "/.cache/vellum";
-    else
-        throw std::runtime_error("neither XDG_CACHE_HOME nor HOME says where to keep the index");
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) throw std::runtime_error("cannot make " + folder + ": " + error.message());
-    return folder + "/font-index.db";
+    return MakeUserFolder("XDG_CACHE_HOME", ".cache", "the index") + "/font-index.db";
 }
 
 NameIndex::NameIndex(std::string path) : path_(std::move(path)) {

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "server/program.hpp"
 
-#include "ipc/client/server_name.hpp"
 #include "ipc/encoding/travelling_values.hpp"
 #include "ipc/messages/notification_rows.hpp"
-#include "platform/fs/private_folder.hpp"
-#include "platform/log/log.hpp"
 #include "platform/port/doorbell.hpp"
-#include "platform/port/service_address.hpp"
 #include "server/background.hpp"
 #include "server/desktop_signals.hpp"
 #include "server/font_folders.hpp"
@@ -18,6 +14,7 @@
 #include "service/message_service.hpp"
 #include "service/readiness.hpp"
 #include "service/service_lock.hpp"
+#include "service/service_options.hpp"
 #include "service/service_process.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
@@ -25,11 +22,9 @@
 
 #include <sys/epoll.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 namespace vellum {
@@ -51,7 +46,11 @@ constexpr char kUsage[] =
     "\n"
     "Example: vellum-fontserver\n";
 
-const std::string kProgram = "vellum-fontserver: ";
+constexpr ServiceProgram kProgram = {"vellum-fontserver", kUsage};
+
+std::string Line(const std::exception &problem) {
+    return std::string(kProgram.name) + ": " + problem.what();
+}
 
 // Tells every process of what happened in folders; who is told asks again, and so do their caches.
 void Tell(NotificationHub &hub, const ValString *key, const std::vector<std::string> &fonts) {
@@ -85,23 +84,10 @@ void TellOfNews(NotificationHub &hub, const FolderNews &news) {
     Tell(hub, kAvailableFontURLsAddedKey, news.came);
 }
 
-void PrintLog(void *, LogLevel, std::string_view text, std::span<const LogField>) {
-    std::fprintf(stderr, "vellum-fontserver: %.*s\n", static_cast<int>(text.size()), text.data());
-}
-
-std::string FolderForServices() {
-    std::string folder = ServicesFolder(IfMissing::kMake);
-    if (folder.empty())
-        throw std::runtime_error("there is no folder for services that is this user's alone");
-    if (!ServerName().IsValid())
-        throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
-    return folder;
-}
-
 // From the beginning on whoever comes is heard; the fonts are taken in meanwhile.
 void Serve(const StartReport &report) {
-    const std::string folder = FolderForServices();
     const ServerName name, hub_name(kNotificationHubName);
+    const std::string folder = FolderForService(name);
     // Somebody else, a service manager, may listen under the first name; under the second nobody else does.
     const TDescriptor lock = TakeServiceLock(folder, name.Get(), hub_name.Get(), "a font server");
     const TDescriptor signals = EndingSignals();
@@ -142,10 +128,10 @@ int Run(const StartReport &report) {
         Serve(report);
         return EXIT_SUCCESS;
     } catch (const ServiceRunsAlready &already) {
-        report(EXIT_SUCCESS, kProgram + already.what());
+        report(EXIT_SUCCESS, Line(already));
         return EXIT_SUCCESS;
     } catch (const std::exception &problem) {
-        report(EXIT_FAILURE, kProgram + problem.what());
+        report(EXIT_FAILURE, Line(problem));
         return EXIT_FAILURE;
     }
 }
@@ -153,24 +139,14 @@ int Run(const StartReport &report) {
 } // namespace
 
 int RunFontServer(int count, char **arguments) {
-    bool stays = IsUnderServiceManager();
-    for (int i = 1; i < count; ++i) {
-        const std::string_view argument = arguments[i];
-        if (argument == "--help") return std::fputs(kUsage, stdout) < 0;
-        if (argument == "--version") return std::printf("vellum-fontserver %s\n", VELLUM_VERSION) < 0;
-        if (argument == "--foreground") {
-            SetLogSink({PrintLog, nullptr});
-            stays = true;
-            continue;
-        }
-        std::fprintf(stderr, "vellum-fontserver: unknown argument '%s'; try --help\n", arguments[i]);
-        return 2;
-    }
-    if (stays) return Run(ReportHere);
+    int exit_code = EXIT_SUCCESS;
+    const auto options = ReadServiceOptions(kProgram, count, arguments, &exit_code);
+    if (!options) return exit_code;
+    if (options->is_in_foreground || IsUnderServiceManager()) return Run(ReportHere);
     try {
         return WorkInBackground(Run);
     } catch (const std::exception &problem) {
-        ReportHere(EXIT_FAILURE, kProgram + problem.what());
+        ReportHere(EXIT_FAILURE, Line(problem));
         return EXIT_FAILURE;
     }
 }

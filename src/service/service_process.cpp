@@ -14,6 +14,14 @@
 
 namespace vellum {
 
+std::string FolderForService(const ServerName &name) {
+    std::string folder = ServicesFolder(IfMissing::kMake);
+    if (folder.empty())
+        throw std::runtime_error("there is no folder for services that is this user's alone");
+    if (!name.IsValid()) throw std::runtime_error("VL_SERVICE_NAME_SUFFIX makes no name for a service");
+    return folder;
+}
+
 TDescriptor ListenOrThrow(const std::string &name) {
     TDescriptor listener = ListenAsService(name.c_str());
     if (!listener.IsOpen())

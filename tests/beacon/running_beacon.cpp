@@ -9,8 +9,6 @@
 #include "values/val_number.hpp"
 #include "values/val_str.hpp"
 
-#include <sys/stat.h>
-
 #include <chrono>
 #include <cstdlib>
 
@@ -33,14 +31,7 @@ std::string StateIn(const Ref<const ValDictionary> &status) {
 } // namespace
 
 RunningBeacon::RunningBeacon() {
-    const std::string runtime = home_.MakeFolder("run");
-    ::chmod(runtime.c_str(), 0700);
-    ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-    ::setenv("XDG_CACHE_HOME", home_.File("cache").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", home_.File("config").c_str(), 1);
-    ::setenv("HOME", home_.Path().c_str(), 1);
     ::setenv("VELLUM_INDEX_ROOTS", files_.Path().c_str(), 1);
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", "none:", 1);
     ::unsetenv("VELLUM_INDEX_INTERVAL");
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/beacon/metadata_items.hpp"
 #include "support/named_font.hpp"
+#include "support/service_home.hpp"
 #include "support/started_service.hpp"
 
 #include <vellum/values.hpp>
@@ -48,7 +49,7 @@ public:
 
 private:
     FontFolder files_;
-    TempDir home_;
+    ServiceHome home_;
     StartedService service_;
 };
 

@@ -32,6 +32,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 constexpr char kFonts[] = "com.orrery.FontServer", kHub[] = "com.orrery.DistributedNotifications";
 
@@ -141,6 +142,19 @@ TEST_F(Background, StartThatFailsSaysWhy) {
     EXPECT_EQ(start.exit_code, 1);
     EXPECT_EQ(start.output, "");
     EXPECT_THAT(start.errors, HasSubstr("vellum-fontserver: VL_SERVICE_NAME_SUFFIX makes no name"));
+    EXPECT_EQ(VLGetFontServerProcess(), 0);
+}
+
+TEST_F(Background, ProgramSaysWhatItIsAndWhatItDoesNotKnow) {
+    EXPECT_THAT(Run({"--help"}).output, HasSubstr("Usage: vellum-fontserver"));
+    EXPECT_THAT(Run({"--version"}).output, StartsWith("vellum-fontserver "));
+    for (const char *unknown : {"--foregroun", "", "x"}) {
+        const Ended start = Run({"--foreground", unknown});
+        EXPECT_EQ(start.exit_code, 2);
+        EXPECT_EQ(start.output, "");
+        EXPECT_EQ(start.errors,
+                  "vellum-fontserver: unknown argument '" + std::string(unknown) + "'; try --help\n");
+    }
     EXPECT_EQ(VLGetFontServerProcess(), 0);
 }
 

@@ -2,8 +2,6 @@
 #include "running_server.hpp"
 
 #include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cstdlib>
 
@@ -15,18 +13,9 @@ const std::string &RunningServer::SystemFolder() {
 }
 
 RunningServer::RunningServer() {
-    const std::string runtime = home_.MakeFolder("run");
-    ::chmod(runtime.c_str(), 0700);
     root_.MakeFolder(SystemFolder());
-    ::setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-    ::setenv("XDG_STATE_HOME", home_.File("state").c_str(), 1);
-    ::setenv("XDG_DATA_HOME", home_.File("data").c_str(), 1);
-    ::setenv("HOME", home_.Path().c_str(), 1);
     ::setenv("VELLUM_FONTS_ROOT", root_.Path().c_str(), 1);
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", "none:", 1); // no address of a bus
-    for (const char *variable : {"VELLUM_IGNORE_SERVER", "VL_SERVICE_NAME_SUFFIX", "NOTIFY_SOCKET",
-                                 "LISTEN_PID", "LISTEN_FDS", "DBUS_STARTER_ADDRESS"})
-        ::unsetenv(variable);
+    ::unsetenv("VELLUM_IGNORE_SERVER");
 }
 
 bool RunningServer::Start() {

@@ -2,8 +2,8 @@
 // A font server of a test's own: a real process with folders of its own.
 #pragma once
 
+#include "support/service_home.hpp"
 #include "support/started_service.hpp"
-#include "support/temp_dir.hpp"
 
 #include <sys/types.h>
 
@@ -42,7 +42,8 @@ public:
     const TempDir &Home() const { return home_; }
 
 private:
-    TempDir root_, home_;
+    TempDir root_;
+    ServiceHome home_;
     std::function<bool()> prepare_;
     StartedService service_;
 };
