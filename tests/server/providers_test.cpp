@@ -1,20 +1,29 @@
 // SPDX-License-Identifier: MIT
 // Programs that have fonts to give, and those that find them by way of the font server.
 #include "ipc/client/font_provider.hpp"
+#include "ipc/client/stubs.hpp"
 #include "ipc/encoding/travelling_values.hpp"
+#include "platform/port/ports.hpp"
+#include "platform/port/service_address.hpp"
 #include "running_server.hpp"
 #include "support/captured_log.hpp"
+#include "support/named_font.hpp"
 #include "support/other_process.hpp"
 #include "support/values.hpp"
 #include "values/val_array.hpp"
 #include "values/val_number.hpp"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 namespace vellum::test {
@@ -117,6 +126,62 @@ TEST_F(Providers, ThatHangKeepNobodyLongerThanHeSays) {
     Ref<const void> answer;
     EXPECT_EQ(Ask(ports[0].Get(), 0.05, answer), MessagePortResult::kReceiveTimedOut);
     EXPECT_THAT(ListedProcesses(), ElementsAre(deaf.ID())) << "it may answer the next one";
+}
+
+// Announces a provider that takes nobody in until the pipe ends: what comes before waits.
+void ProvideOnceToldTo(int told) {
+    const std::string uuid = "01234567-89AB-CDEF-0123-456789ABCDEF";
+    const std::string name = std::to_string(::getpid()) + "." + uuid;
+    const TDescriptor listener = ListenAsService(name.c_str());
+    const TDescriptor first =
+        ::listen(listener.Get(), 0) == 0 ? ConnectToService(name.c_str()) : TDescriptor();
+    PortName server_port = kPortNull;
+    if (first.IsOpen() && bootstrap_look_up(kFontServerName, server_port) == kMachSuccess &&
+        VLSendAddFontProvider(server_port, uuid) == kMachSuccess)
+        OtherProcess::IsReady();
+    char byte;
+    while (::read(told, &byte, 1) > 0) {
+    }
+    for (std::vector<TDescriptor> peers;; peers.push_back(AcceptFromOwnUser(listener.Get()))) {
+        pollfd peer = {listener.Get(), POLLIN, 0};
+        ::poll(&peer, 1, -1);
+    }
+}
+
+// Whether a thread of this process waits in that call of the system's.
+bool IsIn(long call, pid_t thread) {
+    long number = -1;
+    std::ifstream("/proc/self/task/" + std::to_string(thread) + "/syscall") >> number;
+    return number == call;
+}
+
+std::string FileCalled(const char *name) {
+    const auto url = Adopt(VLCopyFontWithName(String(name).Get(), kVLScopeSession,
+                                              kVLActivationNotFromProviders | kVLActivationNotFromSearch));
+    return url ? std::filesystem::path(TextOf(ValURLGetString(url.Get()))).filename().string() : "";
+}
+
+TEST_F(Providers, ThatTakeNobodyInKeepNoOtherThreadWaiting) {
+    std::array<int, 2> ends;
+    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+    const OtherProcess busy([&] {
+        ::close(ends[1]);
+        ProvideOnceToldTo(ends[0]);
+    });
+    FontFolder folder;
+    ASSERT_TRUE(VLRegisterFont(folder.Add("font.ttf", MakeFont({"Font"})).Get(), 0, kVLScopeSession));
+    std::atomic<pid_t> lister{0};
+    std::vector<int32_t> listed;
+    std::thread listing([&] {
+        EXPECT_EQ(FileCalled("None"), ""); // it is connected with the server from here on
+        lister = ::gettid();
+        listed = ListedProcesses();
+    });
+    while (lister == 0 || !IsIn(SYS_connect, lister)) std::this_thread::yield();
+    EXPECT_EQ(FileCalled("Font-Regular"), "font.ttf");
+    ::close(ends[1]);
+    listing.join();
+    EXPECT_THAT(listed, ElementsAre(busy.ID())) << "it was given up before the other thread had its answer";
 }
 
 TEST_F(Providers, ThatHaveDiedAreNotListed) {

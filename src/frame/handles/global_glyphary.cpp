@@ -2,6 +2,7 @@
 #include "frame/handles/global_glyphary.hpp"
 
 #include "frame/registry/generation_seed.hpp"
+#include "ipc/client/font_provider.hpp"
 #include "ipc/client/global_glyphary_imp.hpp"
 #include "ipc/client/request_cache.hpp"
 #include "ipc/notify/change_notifications.hpp"
@@ -159,6 +160,12 @@ Ref<const ValArray> TGlobalGlyphary::CopyFamilyNamesForLanguage(const ValString 
     return ListOrFallBack([&](const TGlypharyImp &fonts) {
         return fonts.CopyFamilyNamesForLanguage(language, scope, reserved);
     });
+}
+
+Ref<const ValArray> TGlobalGlyphary::CopyRemoteFontProviderPorts() const {
+    const auto providers = Locked().CopyRemoteFontProviders();
+    Unlock();
+    return OpenProviderPorts(providers.Get());
 }
 
 bool TGlobalGlyphary::IsCreated() noexcept {

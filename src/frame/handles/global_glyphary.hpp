@@ -32,9 +32,9 @@ public:
     Ref<VLMessagePort> CreateFontProviderPort(const FontProviderBlock &block) const {
         return Locked().CreateFontProviderPort(block);
     }
-    Ref<const ValArray> CopyRemoteFontProviderPorts() const {
-        return Locked().CopyRemoteFontProviderPorts();
-    }
+
+    // The register is unlocked while the ports are opened: a provider may be one that takes nobody in.
+    Ref<const ValArray> CopyRemoteFontProviderPorts() const;
 
     // True once the register exists.
     static bool IsCreated() noexcept;

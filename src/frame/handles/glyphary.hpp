@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Handles: how everybody reaches a register. A handle finds the register, making it if it is the
-// first, and holds its mutex from its first question to its end: for one call, and never across a call
-// into the other register.
+// first, and holds its mutex from its first question to its end, unless it unlocks it before: for one call,
+// and never across a call into the other register.
 #pragma once
 
 #include "frame/registry/glyphary_imp.hpp"
@@ -133,8 +133,7 @@ protected:
     // Unlocks what is locked and locks the register that is there now: an operation may have put another
     // in its place.
     void Lock() const {
-        lock_ = {};
-        registry_ = nullptr;
+        Unlock();
         for (;;) {
             const Imp &registry = Current();
             lock_ = registry.Lock();
@@ -144,6 +143,12 @@ protected:
             }
             lock_ = {}; // meanwhile another has taken its place
         }
+    }
+
+    // The next question locks it again.
+    void Unlock() const {
+        registry_ = nullptr;
+        lock_ = {};
     }
 
 private:

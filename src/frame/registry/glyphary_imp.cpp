@@ -46,7 +46,7 @@ Ref<VLMessagePort> TGlypharyImp::CreateFontProviderPort(const FontProviderBlock 
     return nullptr;
 }
 
-Ref<const ValArray> TGlypharyImp::CopyRemoteFontProviderPorts() const {
+Ref<const ValArray> TGlypharyImp::CopyRemoteFontProviders() const {
     return nullptr;
 }
 

@@ -36,7 +36,9 @@ public:
     virtual Ref<const ValArray> DisableFonts(const ValArray *urls, VLScope scope) const;
 
     virtual Ref<VLMessagePort> CreateFontProviderPort(const FontProviderBlock &block) const;
-    virtual Ref<const ValArray> CopyRemoteFontProviderPorts() const;
+
+    // The providers as the font server lists them, a dictionary each; null where it is not asked.
+    virtual Ref<const ValArray> CopyRemoteFontProviders() const;
 
     // The indexes, for registers that keep any. Index ids run from `first_id`, GetIndexCount of them.
     virtual Ref<const ValSet> SearchIndexedFontsForName(uint16_t id, const ValString *name) const = 0;

@@ -161,6 +161,15 @@ Ref<VLMessagePort> TRemoteFontProvider::CreatePort() const {
     return port.IsValid() ? MakePortValue(std::move(port)) : nullptr;
 }
 
+Ref<const ValArray> OpenProviderPorts(const ValArray *providers) {
+    if (!providers) return nullptr;
+    TValMutableArray ports;
+    for (const void *provider : Elements(providers))
+        if (const auto port = TRemoteFontProvider(Cast<ValDictionary>(provider)).CreatePort())
+            ports.Append(port.Get());
+    return ports.Publish();
+}
+
 Ref<const ValData> AnswerFontRequests(const FontProviderBlock &block, const ValData *data) {
     const auto request = Resurrected({ValDataGetBytes(data), ValDataGetLength(data)});
     if (const auto *one = Cast<ValDictionary>(request.Get())) {

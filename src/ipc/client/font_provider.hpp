@@ -56,6 +56,10 @@ public:
     Ref<VLMessagePort> CreatePort() const override;
 };
 
+// The ports of those that answer, of the providers that the server lists; null for null. No lock is to be
+// held: one that takes nobody in is waited for.
+Ref<const ValArray> OpenProviderPorts(const ValArray *providers);
+
 // What a provider answers to the data of a message, as `block` says: one request, or an array of them.
 Ref<const ValData> AnswerFontRequests(const FontProviderBlock &block, const ValData *data);
 

@@ -72,7 +72,7 @@ public:
     bool UnregisterFontDirectory(const ValURL *directory, VLScope scope) const override;
 
     Ref<VLMessagePort> CreateFontProviderPort(const FontProviderBlock &block) const override;
-    Ref<const ValArray> CopyRemoteFontProviderPorts() const override;
+    Ref<const ValArray> CopyRemoteFontProviders() const override;
 
     bool IsFontRegistered(const ValURL *url) const override;
     bool IsFontEnabled(const ValURL *url) const override;

@@ -186,17 +186,12 @@ Ref<VLMessagePort> TGlobalGlypharyImp::CreateFontProviderPort(const FontProvider
     return TLocalFontProvider(block).CreatePort();
 }
 
-// The ports of those that answer.
-Ref<const ValArray> TGlobalGlypharyImp::CopyRemoteFontProviderPorts() const {
-    const auto providers =
-        Ask<ValArray>("CopyRemoteFontProviderPorts", [&](PortName port, ReplyMemory &reply) {
+Ref<const ValArray> TGlobalGlypharyImp::CopyRemoteFontProviders() const {
+    auto providers =
+        AskForList<ValDictionary>("CopyRemoteFontProviderPorts", [&](PortName port, ReplyMemory &reply) {
             return VLSendGetFontProviders(port, reply);
         });
-    TValMutableArray ports;
-    for (const void *provider : Elements(providers.Get()))
-        if (const auto port = TRemoteFontProvider(Cast<ValDictionary>(provider)).CreatePort())
-            ports.Append(port.Get());
-    return ports.Publish();
+    return providers ? providers : TValMutableArray().Publish();
 }
 
 // ---- questions about one font, answered from copies of its properties ----
