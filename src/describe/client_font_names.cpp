@@ -13,7 +13,9 @@
 #include "values/string_uniquer.hpp"
 #include "values/val_str.hpp"
 
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 namespace vellum {
 
@@ -43,12 +45,15 @@ public:
     void Add(Ref<const ValString> name) { names_.Add(std::move(name)); }
     void AddName(GxNameKey key) { Add(GxFontCopyName(font_.Get(), key)); }
 
-    // In the face's own language, the user's and the system's; in each the names in the given order.
+    // In the face's own language, the user's and the system's, which are often one; in each the names in
+    // the given order.
     void AddLocalized(std::initializer_list<GxNameKey> keys) {
         const TUserLocale &user = UserLocale();
-        for (const std::string_view language : {Text(locale_), std::string_view(user.GetCurrentLocale()),
-                                                std::string_view(user.GetSystemLocale())}) {
-            for (const GxNameKey key : keys) Add(CopyNameInLanguage(font_.Get(), key, language));
+        const std::string_view languages[] = {Text(locale_), user.GetCurrentLocale(),
+                                              user.GetSystemLocale()};
+        for (auto language = std::begin(languages); language != std::end(languages); ++language) {
+            if (std::find(std::begin(languages), language, *language) != language) continue;
+            for (const GxNameKey key : keys) Add(CopyNameInLanguage(font_.Get(), key, *language));
         }
     }
 

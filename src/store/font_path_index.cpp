@@ -4,6 +4,7 @@
 #include "describe/gx_font_wrapper.hpp"
 #include "values/val_str.hpp"
 
+#include <algorithm>
 #include <climits>
 #include <new>
 #include <vector>
@@ -34,6 +35,15 @@ void ForEachPathKey(const ValURL *url, Visit visit) {
     }
 }
 
+// Whether there is nothing to take out, as in most paths. One with a hidden folder is looked at closely.
+bool IsNormalized(std::string_view path) noexcept {
+    for (size_t slash = 0; slash < path.size(); slash = std::min(path.find('/', slash + 1), path.size())) {
+        const char next = slash + 1 < path.size() ? path[slash + 1] : '/';
+        if (next == '/' || next == '.') return false;
+    }
+    return path.starts_with('/');
+}
+
 } // namespace
 
 Ref<const ValString> CopyPath(const ValURL *url) {
@@ -44,6 +54,7 @@ Ref<const ValString> CopyPath(const ValURL *url) {
 }
 
 std::string NormalizePath(std::string_view path) {
+    if (IsNormalized(path)) return std::string(path);
     const bool absolute = path.starts_with('/');
     std::vector<std::string_view> components;
     for (size_t at = 0; at < path.size();) {

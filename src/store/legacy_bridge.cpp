@@ -71,9 +71,20 @@ void TellOfAvailability(const void *fonts, bool is_array, bool enables, VLFontFl
              [&](FountEnableURLsFunction *tell) { tell(fonts, is_array, enables, flags, scope); });
 }
 
+bool IsFountThere() noexcept {
+    try {
+        const ValString *framework = TSessionManager().GetFrameworkDirPath();
+        return framework && HasBundleCode(Text(framework));
+    } catch (...) { // memory is exhausted
+        return false;
+    }
+}
+
 } // namespace
 
+// A process without the service asks its folder once, not for each function.
 void FindFountFunctions() noexcept {
+    if (!sRegisterURLs.Known() && !IsFountThere()) return;
     sRegisterURLs.Find();
     sFindFromContainer.Find();
     sGetContainer.Find();

@@ -56,6 +56,7 @@ bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, V
         file = std::move(copy);
     }
     DoRegisterURLWithFount(file.Get(), true, flags, scope);
+    const GxFontRound round; // of reading the faces and, for the indexes, their names
     const auto fonts = CreateFontsFromURL(file.Get());
     const size_t count = ValArrayGetCount(fonts.Get());
     if (count == 0) return false;

@@ -68,6 +68,17 @@ TEST_F(FontRound, InAnotherLastsAsLongAsTheOuterOne) {
     EXPECT_EQ(CountDescriptors(), before);
 }
 
+TEST_F(FontRound, HoldsAFileThatAFontIsMadeOf) {
+    {
+        const GxFontRound round;
+        const auto fresh = Open("c.ttf", 3);
+        EXPECT_EQ(CountDescriptors(), before + 1);
+        fs::remove(folder.File("c.ttf"));
+        EXPECT_EQ(MarkOf(fresh), 3);
+    }
+    EXPECT_EQ(CountDescriptors(), before);
+}
+
 TEST_F(FontRound, MayFollowAnother) {
     for (int i = 0; i < 3; ++i) {
         const GxFontRound round;

@@ -20,12 +20,20 @@ std::string CodeOf(std::string_view folder) {
     return std::string(folder).append("/").append(name).append(".so");
 }
 
+bool IsThere(const std::string &code) noexcept {
+    return !code.empty() && ::access(code.c_str(), R_OK) == 0;
+}
+
 } // namespace
+
+bool HasBundleCode(std::string_view folder) {
+    return IsThere(CodeOf(folder));
+}
 
 void *LoadBundleSymbol(std::string_view folder, const char *name) {
     const std::string code = CodeOf(folder);
     // Where there is none, which is the rule, the loader need not be asked.
-    if (code.empty() || ::access(code.c_str(), R_OK) != 0) return nullptr;
+    if (!IsThere(code)) return nullptr;
     void *handle = ::dlopen(code.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (!handle) return nullptr;
     void *symbol = ::dlsym(handle, name);

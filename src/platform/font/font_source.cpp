@@ -24,10 +24,25 @@ struct TRound {
 };
 thread_local TRound tRound;
 
+// Reads a file that was opened, and leaves it to the rest of the round.
+TReading Begin(TDescriptor opened, const TFileIdentity &identity) {
+    auto file = std::make_shared<const TDescriptor>(std::move(opened));
+    if (tRound.IsUnderWay()) {
+        tRound.identity = identity;
+        tRound.file = file;
+    }
+    return TReading(std::move(file), identity.size);
+}
+
 } // namespace
 
 TDescriptor OpenRegularFile(const char *path, TFileIdentity *identity) noexcept {
     return OpenRegularFile(path, limits::kFileSize, identity);
+}
+
+TReading OpenFontFile(const char *path, TFileIdentity *identity) {
+    TDescriptor opened = OpenRegularFile(path, identity);
+    return opened.IsOpen() ? Begin(std::move(opened), *identity) : TReading();
 }
 
 size_t TReading::Read(uint64_t offset, std::span<uint8_t> out) const noexcept {
@@ -68,12 +83,7 @@ TReading TFileSource::Open() const {
         ++tPassingFailures;
         return TReading();
     }
-    auto file = std::make_shared<const TDescriptor>(std::move(opened));
-    if (tRound.IsUnderWay()) {
-        tRound.identity = identity;
-        tRound.file = file;
-    }
-    return TReading(std::move(file), identity.size);
+    return Begin(std::move(opened), identity);
 }
 
 GxFontRound::GxFontRound() noexcept {

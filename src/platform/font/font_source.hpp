@@ -54,6 +54,9 @@ private:
     bool open_ = false;
 };
 
+// Begins a round with a file as it is now, and says what it is; false for what OpenRegularFile opens not.
+TReading OpenFontFile(const char *path, TFileIdentity *identity);
+
 class TFontSource {
 public:
     virtual ~TFontSource() = default;

@@ -31,9 +31,8 @@ std::optional<TFontFileKey> KeyOf(const ValURL *url) {
 // A file without faces gives null, and is looked at again when it is asked for again.
 Ref<const ValArray> ReadFonts(const TFontFileKey &key) {
     TFileIdentity identity;
-    TDescriptor descriptor = OpenRegularFile(key.path.c_str(), &identity);
-    if (!descriptor.IsOpen()) return nullptr;
-    const TReading reading(std::move(descriptor), identity.size);
+    const TReading reading = OpenFontFile(key.path.c_str(), &identity);
+    if (!reading) return nullptr;
     const auto source = std::make_shared<const TFileSource>(key.path, identity);
     const std::vector<TFacePtr> faces = LoadFaces(source, reading);
     if (faces.empty()) return nullptr;
