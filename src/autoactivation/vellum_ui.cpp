@@ -2,6 +2,7 @@
 #include "autoactivation/vellum_ui.hpp"
 
 #include "ipc/session/session_manager.hpp"
+#include "platform/process/fork_gate.hpp"
 #include "platform/val/string.hpp"
 
 #include <dlfcn.h>
@@ -54,6 +55,17 @@ TVellumUIImp::TVellumUIImp() noexcept {
     Find(library, "VLUIConfirmAllowOverrideOfProtectedFont", confirm_override);
 }
 
+namespace {
+
+// The user may take minutes: no thread of the program waits that long to fork.
+const void *Ask(CopyConfirmedFontsForAutoActivationRequestFunction &copy_confirmed_fonts,
+                const ValDictionary *request, const ValArray *fonts, bool &remembers) noexcept {
+    const OutsideLibrary calling;
+    return copy_confirmed_fonts(request, fonts, &remembers);
+}
+
+} // namespace
+
 TVellumUI::TVellumUI() noexcept : imp_((::pthread_once(&sOnce, CreateCompanion), sCompanion)) {}
 
 Ref<const ValArray> TVellumUI::CopyConfirmedFontsForAutoActivationRequest(const ValDictionary *request,
@@ -61,7 +73,7 @@ Ref<const ValArray> TVellumUI::CopyConfirmedFontsForAutoActivationRequest(const 
                                                                           bool &remembers) const noexcept {
     remembers = false;
     if (!imp_->copy_confirmed_fonts) return nullptr;
-    const void *confirmed = imp_->copy_confirmed_fonts(request, fonts, &remembers);
+    const void *confirmed = Ask(*imp_->copy_confirmed_fonts, request, fonts, remembers);
     if (ValGetType(confirmed) == kValTypeArray &&
         ValArrayGetCount(static_cast<const ValArray *>(confirmed)))
         return Adopt(static_cast<const ValArray *>(confirmed));
