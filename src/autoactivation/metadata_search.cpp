@@ -67,6 +67,7 @@ void BeaconQueryTimeout(void *waiting) noexcept {
 
 // Has `query` gather until it is complete, or has taken too long; false when it could not begin.
 bool Gather(WaitedQuery &query) {
+    if (!query.mode.IsThere()) return false;
     query.mode.SetTimer(TAutoActivationManager::sPatience.query, BeaconQueryTimeout, &query);
     MetadataQuery *const observer = &query;
     NotificationCenter &center = NotificationCenter::Local();

@@ -135,6 +135,7 @@ std::optional<std::vector<MetadataItem>> MetadataQuery::Run(std::string service,
         PrivateLoop loop{"VLMetadataQuery"};
         bool is_over = false;
     } waiting;
+    if (!waiting.loop.IsThere()) return std::nullopt;
     MetadataQuery query(std::move(service), std::move(text));
     if (!query.Execute(waiting.loop.Context())) return std::nullopt;
     const TimerAction end = [](void *info) noexcept {

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "platform/loop/private_loop.hpp"
 
+#include "platform/fs/file.hpp"
 #include "platform/process/fork_gate.hpp"
 
 #include <glib.h>
+#include <sys/eventfd.h>
+
+#include <algorithm>
+#include <array>
 
 namespace vellum {
 
@@ -12,6 +17,18 @@ namespace {
 gint PollOutside(GPollFD *descriptors, guint count, gint timeout) noexcept {
     const OutsideLibrary waiting;
     return g_poll(descriptors, count, timeout);
+}
+
+// GLib ends a process that has no descriptor for a context. It needs one; more are asked for, so that other
+// threads may take some meanwhile.
+bool HasRoomForContext() noexcept {
+    std::array<TDescriptor, 4> room;
+    for (TDescriptor &descriptor : room) descriptor = TDescriptor(::eventfd(0, EFD_CLOEXEC));
+    return std::ranges::all_of(room, &TDescriptor::IsOpen);
+}
+
+GMainContext *CreateContext() noexcept {
+    return HasRoomForContext() ? g_main_context_new() : nullptr;
 }
 
 } // namespace
@@ -30,8 +47,9 @@ void PrivateLoop::End::operator()(GSource *timer) const noexcept {
 }
 
 PrivateLoop::PrivateLoop(const char *name) noexcept
-    : name_(name), context_(g_main_context_new()), loop_(g_main_loop_new(context_.get(), FALSE)) {
-    g_main_context_set_poll_func(context_.get(), PollOutside);
+    : name_(name), context_(CreateContext()),
+      loop_(context_ ? g_main_loop_new(context_.get(), FALSE) : nullptr) {
+    if (context_) g_main_context_set_poll_func(context_.get(), PollOutside);
 }
 
 void PrivateLoop::SetTimer(std::chrono::milliseconds delay, TimerAction action, void *info) noexcept {

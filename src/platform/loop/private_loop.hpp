@@ -17,10 +17,14 @@ namespace vellum {
 // Used by one thread. While it waits, the thread counts as outside the library.
 class PrivateLoop {
 public:
-    // `name` (constant) is what the loop is called where GLib's sources are looked at.
+    // `name` (constant) is what the loop is called where GLib's sources are looked at. Where the process
+    // has no descriptor left for it there is no loop.
     explicit PrivateLoop(const char *name) noexcept;
     PrivateLoop(const PrivateLoop &) = delete;
     PrivateLoop &operator=(const PrivateLoop &) = delete;
+
+    // Without a loop nothing else may be called.
+    bool IsThere() const noexcept { return context_ != nullptr; }
 
     // Has the loop call action(info) once, so much later. There is one timer: a second takes its place.
     void SetTimer(std::chrono::milliseconds delay, TimerAction action, void *info) noexcept;
