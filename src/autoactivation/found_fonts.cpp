@@ -2,8 +2,10 @@
 #include "autoactivation/found_fonts.hpp"
 
 #include "describe/client_font_entity.hpp"
+#include "describe/gx_font_wrapper.hpp"
 #include "platform/app/quarantine.hpp"
 #include "platform/font/gx_font.hpp"
+#include "query/comparison_key.hpp"
 #include "values/merge_sort.hpp"
 #include "values/val_array.hpp"
 #include "values/val_dictionary.hpp"
@@ -51,15 +53,31 @@ std::vector<Ref<const ValURL>> WithoutDisabled(const ValArray *faces) {
     return left;
 }
 
-// As of a request for a PostScript name, whatever was asked for.
-void SortBestFirst(std::vector<Ref<const ValURL>> &faces) {
+// A face with what its order depends on: a folder may hold more files than the parser keeps, and none is
+// read again for each comparison.
+struct OrderedFace {
+    OrderedFace() noexcept = default;
+    explicit OrderedFace(const ValURL *face)
+        : url(Retain(face)), key(TClientFontEntity(CreateFontFromURL(face))) {}
+
+    Ref<const ValURL> url;
+    ComparisonKey key;
+};
+
+// As TClientFontEntity::CompareFontURLs orders them for a PostScript name, whatever was asked for.
+Ref<const ValArray> BestFirst(const std::vector<Ref<const ValURL>> &faces) {
     TValMutableSet keys;
     keys.Add(kVLFontPropertyName);
     const auto request = keys.Publish();
     const TFontEntityComparisonContext context(request.Get());
-    MergeSort(faces, [&](const Ref<const ValURL> &a, const Ref<const ValURL> &b) {
-        return TClientFontEntity::CompareFontURLs(a.Get(), b.Get(), &context);
+    std::vector<OrderedFace> ordered;
+    for (const auto &face : faces) ordered.emplace_back(face.Get());
+    MergeSort(ordered, [&](const OrderedFace &a, const OrderedFace &b) {
+        return CompareKeys(a.key, b.key, &context).order;
     });
+    TValMutableArray urls;
+    for (const OrderedFace &face : ordered) urls.Append(face.url.Get());
+    return urls.Publish();
 }
 
 } // namespace
@@ -86,12 +104,8 @@ Ref<const ValArray> CopyFittingFaces(const ValArray *files, const ValDictionary 
     TValMutableArray fitting;
     for (const void *file : Elements(files)) AppendFittingFaces(Cast<ValURL>(file), request, fitting);
     if (fitting.IsEmpty()) return nullptr;
-    auto faces = WithoutDisabled(fitting.Get());
-    if (faces.empty()) return nullptr;
-    SortBestFirst(faces);
-    TValMutableArray sorted;
-    for (const auto &face : faces) sorted.Append(face.Get());
-    return sorted.Publish();
+    const auto faces = WithoutDisabled(fitting.Get());
+    return faces.empty() ? nullptr : BestFirst(faces);
 }
 
 bool HasQuarantinedFace(const ValArray *faces) {
