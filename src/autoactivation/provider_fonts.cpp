@@ -19,11 +19,14 @@ namespace {
 // The message in which a provider is asked.
 constexpr int32_t kFontRequestMessage = 1;
 
-// What is said to be fonts. A provider may say anything.
+// More fonts for one request are no answer to it, and would keep the register from everybody else.
+constexpr size_t kMostOffered = 4096;
+
+// What is said to be fonts, the first so many. A provider may say anything.
 Ref<const ValArray> URLsIn(const ValArray *answer) {
     TValMutableArray urls;
     for (const void *element : Elements(answer))
-        if (Cast<ValURL>(element)) urls.Append(element);
+        if (Cast<ValURL>(element) && urls.Count() < kMostOffered) urls.Append(element);
     return urls.IsEmpty() ? nullptr : urls.Publish();
 }
 

@@ -150,9 +150,9 @@ protected:
     }
 
     // With a provider, whatever it is like, the font is found in the index.
-    void ExpectFoundInIndex() {
+    void ExpectFoundInIndex(const std::string &patience = "300") {
         Application application(kApp);
-        application.Do("patience 300");
+        application.Do("patience " + patience);
         const auto start = Clock::now();
         EXPECT_EQ(application.Do("find Foo-Regular"), machine.Files().File("foo.ttf"));
         EXPECT_LT(Clock::now() - start, kSoon);
@@ -207,6 +207,20 @@ TEST_F(UnhelpfulProviders, ThatAnswerNothingOrNonsenseHaveNothing) {
             .Release();
     });
     ExpectFoundInIndex();
+}
+
+TEST_F(UnhelpfulProviders, ThatOfferMoreThanAnybodyWantsAreTakenAtTheirFirstWords) {
+    const TempDir elsewhere;
+    const std::string last = elsewhere.Write("foo.ttf", MakeFont({"Foo"}));
+    static std::string offered;
+    offered = last;
+    const OtherProcess lavish = Offering([]() -> const void * {
+        TValMutableArray urls;
+        for (int i = 0; i < 10'000; ++i) urls.Append(FileURL("/absent" + std::to_string(i)).Get());
+        urls.Append(FileURL(offered).Get());
+        return urls.Publish().Release();
+    });
+    ExpectFoundInIndex("30000");
 }
 
 // A program that asks on its main thread can't answer itself there.
