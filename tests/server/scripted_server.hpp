@@ -17,14 +17,15 @@
 #include <sys/eventfd.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace vellum::test {
 
-// Answers first contacts and observers, and refuses everything else as what was meant for another life of
-// the server. To be told what to do before anybody asks.
+// Answers first contacts and observers, and everything else by a code, or refuses it as what was meant for
+// another life of the server. To be told what to do before anybody asks.
 class ScriptedServer {
 public:
     ScriptedServer()
@@ -38,6 +39,7 @@ public:
 
     std::string common_font; // the name of the one font that a first contact tells of; or empty
     bool changes_at_first_contact = false; // a font, and the client has heard of it, before it is answered
+    std::function<MachCode()> code;        // for everything else, on the server's thread; refused without
 
     // The ids of what has come until now, in order; nobody is served any more.
     std::vector<int32_t> Received() {
@@ -84,6 +86,10 @@ private:
             observer_ = std::move(peer);
             return true;
         }
+        if (header.id != kRendezvous && code) {
+            reply.code = code();
+            return Send(peer, WriteReply(FindMessageRow(header.id), header, reply));
+        }
         if (header.id != kRendezvous) return SendRefusal(peer.Get(), ++life_) == PacketResult::kDone;
         if (changes_at_first_contact) TellOfAChange();
         reply.memory = *Flattened(CommonFonts().Get());
@@ -91,7 +97,7 @@ private:
     }
 
     bool Send(const TDescriptor &peer, const OutgoingMessage &message) {
-        return SendPacket(peer.Get(), ++life_, message, true) == PacketResult::kDone;
+        return SendPacket(peer.Get(), code ? life_ : ++life_, message, true) == PacketResult::kDone;
     }
 
     Ref<const ValDictionary> CommonFonts() const {
@@ -111,7 +117,7 @@ private:
     }
 
     std::vector<int32_t> received_;
-    uint64_t life_ = 0; // every answer is from another one
+    uint64_t life_ = 1; // every answer is from another one, unless there is a code to answer by
     PacketReceiver receiver_;
     std::vector<TDescriptor> peers_;
     TDescriptor observer_;
