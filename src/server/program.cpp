@@ -111,6 +111,14 @@ void Serve(const StartReport &report) {
                                  {[&](const std::shared_ptr<Peer> &peer, const IncomingMessage &message) {
                                      server.Answer(peer, message);
                                  }});
+    saved.SayWhatIsFoundLate([&](SavedState late) {
+        loop.AddWork(fonts.LoadLate(late));
+        loop.AddWork([&, directories = std::move(late.directories)] {
+            for (const SavedDirectory &directory : directories) folders.Register(directory, false);
+            hub.Tell(TValMutableDict().Publish().Get()); // anything may have changed
+            return false;
+        });
+    });
     RingDoorbell(hub_name.Get());
     loop.AddWork(fonts.Load());
     loop.AddWork(folders.Load(saved.LoadForUser().directories));

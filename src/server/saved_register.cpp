@@ -5,10 +5,12 @@
 #include "server/session_boot.hpp"
 #include "server/state_folders.hpp"
 
-#include <algorithm>
 #include <exception>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace vellum {
 
@@ -52,21 +54,26 @@ std::unique_ptr<StateDatabase> OpenForSession(const std::string &path) {
     }
 }
 
+template <class Row, class KeyOf>
+void EraseAllOf(const std::vector<Row> &gone, std::vector<Row> &rows, KeyOf key_of) {
+    std::set<std::string_view> keys;
+    for (const Row &row : gone) keys.insert(key_of(row));
+    std::erase_if(rows, [&](const Row &row) { return keys.contains(key_of(row)); });
+}
+
 // Takes out of `state` what is in `gone`.
 void TakeOut(SavedState &state, const SavedState &gone) {
-    const auto is_gone = [&](const SavedFile &file) {
-        return std::ranges::any_of(gone.files, [&](const SavedFile &row) { return row.path == file.path; });
-    };
-    std::erase_if(state.files, is_gone);
-    std::erase_if(state.disabled, [&](const std::string &text) {
-        return std::ranges::find(gone.disabled, text) != gone.disabled.end();
-    });
+    constexpr auto path = [](const auto &row) { return std::string_view(row.path); };
+    EraseAllOf(gone.files, state.files, path);
+    EraseAllOf(gone.directories, state.directories, path);
+    EraseAllOf(gone.disabled, state.disabled,
+               [](const std::string &text) { return std::string_view(text); });
 }
 
 } // namespace
 
 SavedRegister::SavedRegister(const std::string &name, const std::string &folder)
-    : session_(OpenForSession(folder + "/" + name + ".session.db")) {
+    : name_(name), session_(OpenForSession(folder + "/" + name + ".session.db")) {
     std::string path;
     try {
         path = UserStateFile(name);
@@ -102,10 +109,29 @@ bool SavedRegister::FinishEarlier(bool on_disk) noexcept {
     return is_finished;
 }
 
+// What the database has noted was done when it was read; the session may have changed since.
+bool SavedRegister::CanSaveForUser(const SavedState &removed) noexcept {
+    if (user_) return true;
+    try {
+        auto database = std::make_unique<StateDatabase>(UserStateFile(name_));
+        SavedState late = database->Load();
+        TakeOut(late, read_);
+        TakeOut(late, removed);
+        if (noted_.IsEmpty() && !database->ForgetNoted()) return false;
+        if (!late.IsEmpty() && found_late_) found_late_(std::move(late));
+        user_ = std::move(database);
+        read_ = SavedState();
+    } catch (const std::exception &) { // as the log has said
+        return false;
+    }
+    Log(LogLevel::kNotice, "What is registered for the user is saved again");
+    return true;
+}
+
 bool SavedRegister::Save(const StateChange &user, const StateChange &session, bool on_disk) noexcept {
     if (user.IsEmpty())
         return session.IsEmpty() || (FinishEarlier(on_disk) && session_->Apply(session, on_disk));
-    if (!user_) return false;
+    if (!CanSaveForUser(user.removed)) return false;
     try {
         SavedState noted = noted_;
         noted.files.insert(noted.files.end(), session.removed.files.begin(), session.removed.files.end());

@@ -68,6 +68,20 @@ std::function<bool()> SharedRegister::Load() {
     };
 }
 
+std::function<bool()> SharedRegister::LoadLate(SavedState late) {
+    return [this, late = std::move(late), next = size_t{0}]() mutable {
+        for (const std::string &text : std::exchange(late.disabled, {})) {
+            disabled_[PathOfText(text)][text] = Lasting::kForUser;
+            fonts_.DisableFont(TValURL::FromText(text).Get(), kOwnScope);
+        }
+        if (next == late.files.size()) return false;
+        const SavedFile &row = late.files[next++];
+        const auto known = files_.find(row.path);
+        if (known == files_.end() || !known->second.for_user) LoadFile(row, Lasting::kForUser);
+        return true;
+    };
+}
+
 void SharedRegister::LoadFile(const SavedFile &row, Lasting lasting) {
     File &file = files_[row.path];
     const bool is_there = file.IsWanted();

@@ -36,6 +36,9 @@ public:
     // result, which is true while there are more. Before the first change. Throws std::runtime_error.
     std::function<bool()> Load();
 
+    // The same with what was saved for the user and is found between two changes; its folders aside.
+    std::function<bool()> LoadLate(SavedState late);
+
     // ---- changes of one font; Save makes them last ----
     // A file that is registered for as long already is refused, and so is what is no font.
     bool Register(const ValURL *url, VLFontFlags flags, Lasting lasting);

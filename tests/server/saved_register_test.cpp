@@ -14,10 +14,12 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 namespace vellum::test {
 namespace {
@@ -29,6 +31,7 @@ using ::testing::IsEmpty;
 namespace fs = std::filesystem;
 
 constexpr VLActivationOptions kNoActivation = kVLActivationNotFromProviders | kVLActivationNotFromSearch;
+constexpr std::array kFiles = {"/fonts.db", "/fonts.db-wal"}; // in the state's folder
 constexpr char kName[] = "com.orrery.FontServer";
 
 // ---- both databases as one ----
@@ -146,8 +149,7 @@ protected:
 TEST_F(UnwritableState, InAFolderThatMayNotBeWrittenIsServedAsItWasSaved) {
     RunBefore();
     fs::permissions(StateFolder(), fs::perms::owner_read | fs::perms::owner_exec);
-    for (const char *file : {"/fonts.db", "/fonts.db-wal"})
-        fs::permissions(StateFolder() + file, fs::perms::owner_read);
+    for (const char *file : kFiles) fs::permissions(StateFolder() + file, fs::perms::owner_read);
     server.Prepare([this] { return Speak() && BeBoundByModes(); });
     ASSERT_TRUE(server.Start());
     EXPECT_TRUE(IsFound("Kept-Regular"));
@@ -181,6 +183,74 @@ TEST_F(UnwritableState, WithoutAFolderIsEmpty) {
     server.Prepare([this] { return Speak(); });
     ASSERT_TRUE(server.Start());
     ExpectThatItServesAndRefuses();
+}
+
+TEST_F(UnwritableState, ThatCanBeWrittenAgainTakesTheNextChange) {
+    RunBefore();
+    fs::permissions(StateFolder(), fs::perms::owner_read | fs::perms::owner_exec);
+    for (const char *file : kFiles) fs::permissions(StateFolder() + file, fs::perms::owner_read);
+    server.Prepare([this] { return Speak() && BeBoundByModes(); });
+    ASSERT_TRUE(server.Start());
+    ExpectThatItServesAndRefuses();
+    fs::permissions(StateFolder(), fs::perms::owner_all);
+    EXPECT_FALSE(VLRegisterFont(other.Get(), 0, kVLScopeUser)) << "its files cannot be written yet";
+    for (const char *file : kFiles)
+        fs::permissions(StateFolder() + file, fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_TRUE(VLRegisterFont(other.Get(), 0, kVLScopeUser));
+    EXPECT_TRUE(VLRegisterFontDirectory(directory.Get(), 0, 0, kVLScopeUser));
+    EXPECT_TRUE(IsFound("Inside-Regular"));
+    server.Kill();
+    fs::remove_all(server.Home().File("run/vellum")); // what was for the session
+    ASSERT_TRUE(server.Start());
+    CapturedLog log; // of the retry
+    for (const char *name : {"Kept-Regular", "Other-Regular", "Inside-Regular"})
+        EXPECT_TRUE(IsFound(name)) << name;
+}
+
+TEST_F(UnwritableState, ThatCanBeReadAgainIsTakenInWithTheNextChange) {
+    RunBefore();
+    fonts.Add("late.ttf", MakeFont({"Late"}));
+    {
+        StateDatabase database(StateFolder() + "/fonts.db");
+        StateChange change;
+        change.added.directories = {{fonts.Path(), 0, 0}};
+        change.added.disabled = {TextOf(ValURLGetString(other.Get()))};
+        ASSERT_TRUE(database.Apply(change, false));
+    }
+    fs::permissions(StateFolder(), fs::perms::none);
+    server.Prepare([this] { return Speak() && BeBoundByModes(); });
+    ASSERT_TRUE(server.Start());
+    EXPECT_TRUE(VLRegisterFont(other.Get(), 0, kVLScopeSession));
+    EXPECT_TRUE(IsFound("Other-Regular"));
+    EXPECT_FALSE(IsFound("Kept-Regular"));
+    fs::permissions(StateFolder(), fs::perms::owner_all);
+    const auto third = folder.Add("third.ttf", MakeFont({"Third"}));
+    EXPECT_TRUE(VLRegisterFont(third.Get(), 0, kVLScopeUser));
+    while (!IsFound("Late-Regular")) std::this_thread::yield(); // the test's time limit ends this
+    EXPECT_TRUE(IsFound("Kept-Regular"));
+    EXPECT_TRUE(IsFound("Third-Regular"));
+    EXPECT_FALSE(IsFound("Other-Regular")) << "it is disabled for the user";
+    EXPECT_TRUE(VLUnregisterFont(kept.Get(), 0, kVLScopeUser));
+    server.Kill();
+    ASSERT_TRUE(server.Start());
+    CapturedLog log; // of the retry
+    EXPECT_TRUE(IsFound("Late-Regular"));
+    EXPECT_TRUE(IsFound("Third-Regular"));
+    EXPECT_FALSE(IsFound("Kept-Regular"));
+}
+
+TEST_F(UnwritableState, WhoseFolderIsThereAgainTakesTheNextChange) {
+    const std::string in_the_way = server.Home().Write("state", "no folder");
+    server.Prepare([this] { return Speak(); });
+    ASSERT_TRUE(server.Start());
+    ExpectThatItServesAndRefuses();
+    fs::remove(in_the_way);
+    EXPECT_TRUE(VLRegisterFont(other.Get(), 0, kVLScopeUser));
+    server.Kill();
+    fs::remove_all(server.Home().File("run/vellum")); // what was for the session
+    ASSERT_TRUE(server.Start());
+    CapturedLog log; // of the retry
+    EXPECT_TRUE(IsFound("Other-Regular"));
 }
 
 TEST_F(UnwritableState, OfTheSessionLastsAsLongAsTheServer) {
