@@ -5,11 +5,9 @@
 
 using Clock = std::chrono::steady_clock;
 
-// The names by which the linker knows steady_clock::now, the caller's and the real one's.
-extern "C" {
-Clock::time_point __real__ZNSt6chrono3_V212steady_clock3nowEv() noexcept;
-Clock::time_point __wrap__ZNSt6chrono3_V212steady_clock3nowEv() noexcept;
-}
+// By the names that the linker has for the real steady_clock::now, and for the one that is called instead.
+Clock::time_point RealNow() noexcept __asm__("__real__ZNSt6chrono3_V212steady_clock3nowEv");
+Clock::time_point NowAsTestSays() noexcept __asm__("__wrap__ZNSt6chrono3_V212steady_clock3nowEv");
 
 namespace {
 
@@ -17,9 +15,9 @@ constinit std::atomic<Clock::rep> sNow{0}; // where the clock stands; 0 while it
 
 } // namespace
 
-Clock::time_point __wrap__ZNSt6chrono3_V212steady_clock3nowEv() noexcept {
+Clock::time_point NowAsTestSays() noexcept {
     const Clock::rep now = sNow;
-    return now ? Clock::time_point(Clock::duration(now)) : __real__ZNSt6chrono3_V212steady_clock3nowEv();
+    return now ? Clock::time_point(Clock::duration(now)) : RealNow();
 }
 
 namespace vellum::test {
