@@ -60,6 +60,7 @@ std::function<bool()> SharedRegister::Load() {
     std::deque<std::pair<SavedFile, Lasting>> files;
     for (SavedFile &row : for_user.files) files.emplace_back(std::move(row), Lasting::kForUser);
     for (SavedFile &row : for_session.files) files.emplace_back(std::move(row), Lasting::kForSession);
+    fonts_.GetIndex(kPostScriptNameIndex); // will be asked for: so the files are not opened again for it
     return [this, files = std::move(files)]() mutable {
         if (files.empty()) return false;
         LoadFile(files.front().first, files.front().second);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <climits>
 #include <new>
-#include <vector>
 
 namespace vellum {
 
@@ -35,15 +34,6 @@ void ForEachPathKey(const ValURL *url, Visit visit) {
     }
 }
 
-// Whether there is nothing to take out, as in most paths. One with a hidden folder is looked at closely.
-bool IsNormalized(std::string_view path) noexcept {
-    for (size_t slash = 0; slash < path.size(); slash = std::min(path.find('/', slash + 1), path.size())) {
-        const char next = slash + 1 < path.size() ? path[slash + 1] : '/';
-        if (next == '/' || next == '.') return false;
-    }
-    return path.starts_with('/');
-}
-
 } // namespace
 
 Ref<const ValString> CopyPath(const ValURL *url) {
@@ -54,23 +44,20 @@ Ref<const ValString> CopyPath(const ValURL *url) {
 }
 
 std::string NormalizePath(std::string_view path) {
-    if (IsNormalized(path)) return std::string(path);
     const bool absolute = path.starts_with('/');
-    std::vector<std::string_view> components;
+    std::string normalized;
+    normalized.reserve(path.size());
     for (size_t at = 0; at < path.size();) {
         const size_t end = std::min(path.find('/', at), path.size());
         const std::string_view component = path.substr(at, end - at);
         if (component == "..") {
-            if (!components.empty()) components.pop_back();
+            const size_t last = normalized.rfind('/');
+            normalized.resize(last == std::string::npos ? 0 : last);
         } else if (!component.empty() && component != ".") {
-            components.push_back(component);
+            if (absolute || !normalized.empty()) normalized += '/';
+            normalized += component;
         }
         at = end + 1;
-    }
-    std::string normalized;
-    for (const std::string_view component : components) {
-        if (absolute || !normalized.empty()) normalized += '/';
-        normalized += component;
     }
     return normalized.empty() && absolute ? "/" : normalized;
 }

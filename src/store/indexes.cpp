@@ -50,6 +50,7 @@ constexpr bool IsOfNames(uint16_t id) {
 
 // A face whose path is not to be had for want of memory must not pass for one without.
 Ref<const void> IndexedValue(const TFontIndex &index, const GxFont *font) {
+    const GxFontRound round; // a list of names may take more than one look at the file
     const uint32_t failures = tPassingFailures;
     auto value = TClientFontEntity(Retain(font)).CopyProperty(index.GetIndexedProperty(), true);
     if (!value && failures != tPassingFailures && index.GetIndexedProperty() == kVLFontPropertyURL)

@@ -46,8 +46,10 @@ void TLocalGlypharyImp::RemoveFace(FontReference reference) const noexcept {
 bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, VLFontFlags flags,
                                      VLScope scope) const {
     if (!ReferencesForURL(kPathIndex, url).empty()) return false;
-    // Files that hold nothing but the outlines of a suitcase's fonts are reached through it.
-    if (ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font")) return false;
+    // Files that hold nothing but the outlines of a suitcase's fonts are reached through it. They have no
+    // faces: where none but this register sees the file, that is all that there is to it.
+    const bool others_see_it = (flags & kVLFontFlagCopyToStable) || !(scope & kVLScopeLegacyTold);
+    if (others_see_it && ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font")) return false;
     auto file = WholeFile(url);
     if (WantsStableCopy(url, flags)) {
         Ref<const ValURL> copy;

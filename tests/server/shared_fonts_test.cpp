@@ -7,6 +7,7 @@
 #include "running_server.hpp"
 #include "support/captured_log.hpp"
 #include "support/named_font.hpp"
+#include "support/openings.hpp"
 #include "support/values.hpp"
 
 #include <gmock/gmock.h>
@@ -57,6 +58,14 @@ TEST_F(SharedFonts, AreFoundByName) {
     ASSERT_TRUE(server.Start());
     EXPECT_EQ(Find("A-Regular"), "a.ttf");
     EXPECT_EQ(Find("B-Regular"), "");
+}
+
+TEST_F(SharedFonts, AreFoundByNameInFilesThatWereOpenedOnce) {
+    AddSystemFont("a.ttf", "A");
+    Openings openings(server.System().File(RunningServer::SystemFolder() + "/a.ttf"));
+    ASSERT_TRUE(server.Start());
+    EXPECT_EQ(Find("A-Regular"), "a.ttf");
+    EXPECT_EQ(openings.Count(), 1u);
 }
 
 TEST_F(SharedFonts, AreListed) {

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // The indexes of a register: made when first asked for, then kept current.
-#include "platform/fs/file.hpp"
 #include "store/local_glyphary_imp.hpp"
 #include "support/named_font.hpp"
+#include "support/openings.hpp"
 #include "support/values.hpp"
 
 #include <gmock/gmock.h>
-#include <sys/inotify.h>
 #include <unistd.h>
 
 namespace vellum::test {
@@ -130,27 +129,6 @@ TEST_F(Indexes, EachIndexedPropertyHasItsIndexAndTheOthersNone) {
 TEST_F(Indexes, AKeyStringThatIsAnotherObjectHasTheSameIndex) {
     EXPECT_EQ(registry.GetIndexForProperty(String("KSFontNameAttribute").Get()), registry.GetIndex(1));
 }
-
-// How often a file was opened since this was made.
-class Openings {
-public:
-    explicit Openings(const std::string &path) : descriptor_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        EXPECT_GE(::inotify_add_watch(descriptor_.Get(), path.c_str(), IN_OPEN | IN_CLOSE), 0);
-    }
-
-    // Reads the events that are there. Without the closings, equal ones that follow each other were one.
-    size_t Count() {
-        alignas(inotify_event) char events[4096];
-        const ssize_t length = ::read(descriptor_.Get(), events, sizeof events);
-        for (ssize_t at = 0; at < length; at += static_cast<ssize_t>(sizeof(inotify_event)))
-            if (reinterpret_cast<const inotify_event *>(events + at)->mask & IN_OPEN) ++count_;
-        return count_;
-    }
-
-private:
-    const TDescriptor descriptor_;
-    size_t count_ = 0;
-};
 
 TEST_F(Indexes, ThatAreThereOpenAFileThatIsRegisteredNotOnceMore) {
     for (uint16_t id = 0; id < kIndexCount; ++id) registry.GetIndex(id);
