@@ -44,19 +44,43 @@ void Peer::Close() noexcept {
     waiting_.clear();
 }
 
-void Peer::Reply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) noexcept {
-    if (!socket_.IsOpen()) return;
+// Most messages leave at once: `share()` gives one that has to wait. False when the peer has lost its turn
+// for good; who closes it is told by the loop, or looks after each message.
+template <class Share>
+bool Peer::Send(const OutgoingMessage &message, bool is_reply, Share share) noexcept {
+    const PacketResult result =
+        waiting_.empty() ? SendPacket(Socket(), instance_, message, false) : PacketResult::kWouldBlock;
+    if (result == PacketResult::kDone) {
+        ++sent_;
+        if (is_reply) ListenAgain();
+        return true;
+    }
+    if (result != PacketResult::kWouldBlock) { // no event tells of a system's want of memory
+        is_cut_off_ = true;
+        return false;
+    }
     try {
-        Send({std::make_shared<const OutgoingMessage>(WriteReply(row, request, reply)), true});
+        waiting_.push_back({share(), is_reply});
     } catch (const std::bad_alloc &) {
         is_cut_off_ = true;
+        return false;
     }
+    waiting_bytes_ += message.MemorySize();
+    is_listened_to_ = false;
+    loop_.Change(Socket(), EPOLLOUT);
+    return true;
+}
+
+void Peer::Reply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) noexcept {
+    if (!socket_.IsOpen()) return;
+    const OutgoingMessage message = WriteReply(row, request, reply);
+    Send(message, true, [&] { return std::make_shared<const OutgoingMessage>(message); });
 }
 
 bool Peer::Tell(const std::shared_ptr<const OutgoingMessage> &message) noexcept {
     if (!socket_.IsOpen() || !HasRoomFor(*message)) return false;
     unread_bytes_ += SizeInFiles(*message);
-    return Send({message, false});
+    return Send(*message, false, [&] { return message; });
 }
 
 bool Peer::HasRoomFor(const OutgoingMessage &message) noexcept {
@@ -70,33 +94,6 @@ Peer::Taking Peer::HowFar() const noexcept {
     Taking taking = {sent_, 0};
     if (::ioctl(Socket(), SIOCOUTQ, &taking.unread) != 0) taking.unread = 0;
     return taking;
-}
-
-// False when the peer has lost its turn for good; who closes it is told by the loop, or looks after each
-// message.
-bool Peer::Send(Waiting message) noexcept {
-    const PacketResult result = waiting_.empty() ? SendPacket(Socket(), instance_, *message.message, false)
-                                                 : PacketResult::kWouldBlock;
-    if (result == PacketResult::kDone) {
-        ++sent_;
-        if (message.is_reply) ListenAgain();
-        return true;
-    }
-    const size_t bytes = message.message->MemorySize();
-    if (result != PacketResult::kWouldBlock) { // no event tells of a system's want of memory
-        is_cut_off_ = true;
-        return false;
-    }
-    try {
-        waiting_.push_back(std::move(message));
-    } catch (const std::bad_alloc &) {
-        is_cut_off_ = true;
-        return false;
-    }
-    waiting_bytes_ += bytes;
-    is_listened_to_ = false;
-    loop_.Change(Socket(), EPOLLOUT);
-    return true;
 }
 
 void Peer::SendWaiting() noexcept {

@@ -84,7 +84,8 @@ private:
     // What lies in files may be told and not be read by the peer: the system bounds the rest.
     static constexpr size_t kMostUnreadBytes = size_t{8} << 20;
 
-    bool Send(Waiting message) noexcept;
+    template <class Share>
+    bool Send(const OutgoingMessage &message, bool is_reply, Share share) noexcept;
     void ListenAgain() noexcept;
 
     EventLoop &loop_;

@@ -129,8 +129,9 @@ std::string_view HostOfAuthority(std::string_view authority) noexcept {
 }
 
 bool IsURLText(std::string_view text) noexcept {
-    auto is_control = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
-    if (std::ranges::any_of(text, is_control)) return false;
+    bool has_control = false; // looked for to the end, as there hardly ever is one
+    for (const char c : text) has_control |= static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    if (has_control) return false;
     URLParts parts = SplitURL(text);
     return !parts.authority || IsAuthority(*parts.authority);
 }
