@@ -182,7 +182,8 @@ bool ReadRequest(const MessageRow &row, const IncomingMessage &message,
     return cursor.IsAtEnd();
 }
 
-OutgoingMessage WriteReply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply) {
+OutgoingMessage WriteReply(const MessageRow *row, const MachHeader &request,
+                           const OutgoingReply &reply) noexcept {
     OutgoingMessage message;
     const EReply kind = row && !reply.code ? row->reply : EReply::kNothing;
     const auto id = static_cast<int32_t>(static_cast<uint32_t>(request.id) + kReplyIDOffset); // may be any

@@ -58,7 +58,8 @@ bool ReadRequest(const MessageRow &row, const IncomingMessage &message,
 
 // Lays out the reply to a request with that header; `row` is null for an id that has none, which gets a
 // code alone. A text that is too long goes as none.
-OutgoingMessage WriteReply(const MessageRow *row, const MachHeader &request, const OutgoingReply &reply);
+OutgoingMessage WriteReply(const MessageRow *row, const MachHeader &request,
+                           const OutgoingReply &reply) noexcept;
 
 // The code in a reply, or what is wrong with it: kMachServerDied, kMachReplyMismatch, kMachTypeError.
 // `reply` is set for 0 alone.
