@@ -3,6 +3,7 @@
 //
 //   find NAME          the font of that PostScript name, sought everywhere; "none" without one
 //   best, every FAMILY the best font of a family, or all of them, with a space between two
+//   every-own FAMILY   all of them, where none but the process's own register is asked
 //   styled STYLE       the best font of a style, whatever its family
 //   bold               the best bold font, whatever its name
 //   known NAME         the font of that PostScript name if a register has it
@@ -63,6 +64,11 @@ std::string Best(const Ref<const ValDictionary> &request) {
     return PathOf(Adopt(VLCopyFontWithProperties(request.Get(), kVLScopeAll, 0)).Get());
 }
 
+std::string Every(const std::string &family, VLScope scope) {
+    const auto request = Request(kVLFontPropertyFamilyName, family);
+    return PathsOf(Adopt(VLCopyFontsWithProperties(request.Get(), scope, 0)));
+}
+
 std::string NextChange(HeardChanges &heard) {
     while (heard.SoFar().empty()) g_main_context_iteration(nullptr, TRUE);
     std::string words;
@@ -95,9 +101,8 @@ std::string Answer(const std::string &command, const std::string &rest, HeardCha
     if (command == "best") return Best(Request(kVLFontPropertyFamilyName, rest));
     if (command == "styled") return Best(Request(kVLFontPropertySubfamilyName, rest));
     if (command == "bold") return Best(BoldRequest());
-    if (command == "every")
-        return PathsOf(Adopt(
-            VLCopyFontsWithProperties(Request(kVLFontPropertyFamilyName, rest).Get(), kVLScopeAll, 0)));
+    if (command == "every") return Every(rest, kVLScopeAll);
+    if (command == "every-own") return Every(rest, kVLScopeProcess);
     if (command == "heard") return NextChange(heard);
     if (command == "calm") return std::to_string(heard.Next().size());
     if (command == "disabled") return TAutoActivationManager::sBeaconQueriesDisabled ? "yes" : "no";

@@ -138,6 +138,17 @@ TEST_F(MissingFonts, AreNoneThatSomebodyDisabled) {
     EXPECT_EQ(application.Do("find Foo-Regular"), File("foo.ttf"));
 }
 
+TEST_F(MissingFonts, AreOfTheNextFolderWhereAllOfTheFirstAreDisabled) {
+    Add("a/foo.ttf", NamedFace{"Foo"}, 0);
+    Add("b/foo.ttf", NamedFace{"Foo"}, 1);
+    machine.Start();
+    const auto url = FileURL(File("a/foo.ttf"));
+    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeSession));
+    VLDisableFonts(OneElement(url.Get()).Get(), 0, kVLScopeSession);
+    Application application(kApp);
+    EXPECT_EQ(application.Do("find Foo-Regular"), File("b/foo.ttf"));
+}
+
 TEST_F(MissingFonts, AreNoneInAFolderThatIsMarked) {
     Add("a/foo.ttf", NamedFace{"Foo"}, 0);
     Add("b/foo.ttf", NamedFace{"Foo"}, 1);
@@ -304,6 +315,7 @@ TEST_F(ProvidedFonts, ThatTheServerHasAreItsOwn) {
     Application application(kApp);
     EXPECT_EQ(application.Do("ask 1 0 Foo-Regular"), font);
     EXPECT_EQ(application.Do("heard"), "added " + font);
+    EXPECT_EQ(application.Do("every-own Foo"), font);
     EXPECT_EQ(application.Do("ask 1 65536 Foo-Regular"), "none") << "the process has registered nothing";
 }
 
