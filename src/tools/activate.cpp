@@ -5,6 +5,7 @@
 #include "tools/change_results.hpp"
 #include "tools/document_names.hpp"
 #include "tools/exit_code.hpp"
+#include "tools/index_verb.hpp"
 #include "tools/server.hpp"
 #include "tools/text.hpp"
 #include "tools/wanted_font.hpp"
@@ -142,10 +143,7 @@ int Judge(const Activation &activation) {
 
 // Where no index is kept, a font that is missing may well be somewhere.
 void ReportMissing(const Activation &activation) {
-    if (activation.LacksFonts() && !Adopt(VLCopyFontIndexStatus(0, UINT32_MAX)))
-        std::cerr << "vellum: no index of font files is kept, so that none are found; 'systemctl --user "
-                     "enable --now "
-                     "vellum-beacon.socket' has one kept\n";
+    if (activation.LacksFonts() && !Adopt(VLCopyFontIndexStatus(0, UINT32_MAX))) ReportNoIndex();
 }
 
 int Activate(const Options &options, const std::vector<std::string> &names) {

@@ -58,9 +58,7 @@ private:
 };
 
 int MissService() {
-    std::cerr
-        << "vellum: no index of font files is kept; 'systemctl --user enable --now vellum-beacon.socket' "
-           "has one kept\n";
+    ReportNoIndex();
     return kNoServer;
 }
 
@@ -171,6 +169,12 @@ int Rebuild() {
 }
 
 } // namespace
+
+void ReportNoIndex() {
+    std::cerr
+        << "vellum: no index of font files is kept; 'systemctl --user enable --now vellum-beacon.socket' "
+           "has one kept\n";
+}
 
 void AddIndex(CLI::App &app, int &result) {
     CLI::App *verb = app.add_subcommand("index", "Search the font files in your folders, used or not.");

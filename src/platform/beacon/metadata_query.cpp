@@ -131,20 +131,14 @@ void MetadataQuery::Complete(std::vector<MetadataItem> results) noexcept {
 
 std::optional<std::vector<MetadataItem>> MetadataQuery::Run(std::string service, std::string text,
                                                             std::chrono::milliseconds patience) {
-    struct Waiting {
-        PrivateLoop loop{"VLMetadataQuery"};
-        bool is_over = false;
-    } waiting;
-    if (!waiting.loop.IsThere()) return std::nullopt;
+    PrivateLoop loop("VLMetadataQuery");
+    if (!loop.IsThere()) return std::nullopt;
     MetadataQuery query(std::move(service), std::move(text));
-    if (!query.Execute(waiting.loop.Context())) return std::nullopt;
-    const TimerAction end = [](void *info) noexcept {
-        static_cast<Waiting *>(info)->is_over = true;
-        static_cast<Waiting *>(info)->loop.Stop();
-    };
-    waiting.loop.SetTimer(patience, end, &waiting);
-    while (!query.IsGatheringComplete() && !waiting.is_over)
-        g_main_context_iteration(waiting.loop.Context(), TRUE);
+    if (!query.Execute(loop.Context())) return std::nullopt;
+    bool is_over = false;
+    const TimerAction end = [](void *over) noexcept { *static_cast<bool *>(over) = true; };
+    loop.SetTimer(patience, end, &is_over);
+    while (!query.IsGatheringComplete() && !is_over) g_main_context_iteration(loop.Context(), TRUE);
     if (!query.IsGatheringComplete()) return std::nullopt;
     return std::move(query.results_);
 }
