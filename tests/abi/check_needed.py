@@ -9,10 +9,7 @@ import subprocess
 import sys
 import tempfile
 
-NEEDED = {
-    "libc.so.6", "libm.so.6", "libstdc++.so.6",
-    "libharfbuzz.so.0", "libglib-2.0.so.0", "libfreetype.so.6", "libexpat.so.1",
-}
+NEEDED = {"libc.so.6", "libm.so.6", "libstdc++.so.6"}
 LOADER = re.compile(r"ld-linux[\w.-]*\.so\.\d+$")
 
 # The sections whose code, or whose functions, the loader runs.

@@ -7,6 +7,8 @@
 #include "frame/handles/local_glyphary.hpp"
 #include "frame/registry/scope.hpp"
 #include "ipc/notify/framework_callback.hpp"
+#include "platform/late/freetype.hpp"
+#include "platform/late/harfbuzz.hpp"
 #include "support/named_font.hpp"
 #include "support/values.hpp"
 
@@ -60,6 +62,13 @@ TEST_F(Exports, BadArgumentsMakeNoRegister) {
     EXPECT_EQ(VLGetScopeForFont(nullptr), 0u);
     EXPECT_FALSE(TLocalGlyphary::IsCreated());
     EXPECT_FALSE(TGlobalGlyphary::IsCreated());
+}
+
+TEST_F(Exports, ARegisterOfTheProcessOpensTheLibrariesThatReadFontsBeforeItReadsAny) {
+    EXPECT_EQ(NameOf(url, 0), "(null)");
+    EXPECT_FALSE(sHarfBuzz.IsOpen() || sFreeType.IsOpen());
+    ASSERT_TRUE(VLRegisterFont(url.Get(), 0, kVLScopeProcess));
+    EXPECT_TRUE(sHarfBuzz.IsOpen() && sFreeType.IsOpen());
 }
 
 TEST_F(Exports, EachSharedBitAsksTheSharedRegisterAlone) {

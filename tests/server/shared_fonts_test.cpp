@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The register that processes share, as a program sees it: this process asks, the font server answers.
 #include "ipc/client/global_glyphary_imp.hpp"
+#include "platform/late/expat.hpp"
+#include "platform/late/freetype.hpp"
+#include "platform/late/glib.hpp"
+#include "platform/late/harfbuzz.hpp"
 #include "platform/port/packet.hpp"
 #include "platform/port/ports.hpp"
 #include "platform/port/service_address.hpp"
@@ -58,6 +62,16 @@ TEST_F(SharedFonts, AreFoundByName) {
     ASSERT_TRUE(server.Start());
     EXPECT_EQ(Find("A-Regular"), "a.ttf");
     EXPECT_EQ(Find("B-Regular"), "");
+}
+
+TEST_F(SharedFonts, AreFoundWithoutAnyLibraryThatIsOpenedLate) {
+    AddSystemFont("a.ttf", "A");
+    ASSERT_TRUE(server.Start());
+    EXPECT_EQ(Find("A-Regular"), "a.ttf");
+    EXPECT_FALSE(sHarfBuzz.IsOpen());
+    EXPECT_FALSE(sFreeType.IsOpen());
+    EXPECT_FALSE(sExpat.IsOpen());
+    EXPECT_FALSE(sGLib.IsOpen());
 }
 
 TEST_F(SharedFonts, AreFoundByNameInFilesThatWereOpenedOnce) {

@@ -6,6 +6,7 @@
 #include "ipc/client/global_glyphary_imp.hpp"
 #include "ipc/client/request_cache.hpp"
 #include "ipc/notify/change_notifications.hpp"
+#include "platform/late/every_library.hpp"
 #include "platform/log/log.hpp"
 #include "platform/process/fork_gate.hpp"
 #include "platform/process/process.hpp"
@@ -31,6 +32,7 @@ constinit std::atomic<uint32_t> sForks{0};                     // that sRegistry
 pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 
 std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
+    OpenEveryLibrary();
     auto registry = std::make_unique<TLocalGlypharyImp>();
     RegisterSystemFontsLocally(*registry);
     return registry;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "frame/handles/local_glyphary.hpp"
 
+#include "platform/late/every_library.hpp"
 #include "store/bundle_fonts.hpp"
 
 #include <pthread.h>
@@ -29,6 +30,7 @@ void CreateRegistry() noexcept {
 } // namespace
 
 const TLocalGlypharyImp &TLocalGlyphary::Current() const {
+    if (!IsCreated()) OpenEveryLibrary(); // the register is locked while it reads fonts
     ::pthread_once(&sOnce, CreateRegistry);
     const TLocalGlypharyImp *registry = sRegistry.load(std::memory_order_acquire);
     if (!registry) throw std::bad_alloc();

@@ -4,10 +4,10 @@
 #include "platform/app/control_group.hpp"
 #include "platform/app/main_bundle.hpp"
 #include "platform/fs/file.hpp"
+#include "platform/late/glib.hpp"
 #include "platform/process/process.hpp"
 #include "platform/val/static_string.hpp"
 
-#include <glib.h>
 #include <sys/auxv.h>
 
 #include <algorithm>
@@ -53,15 +53,20 @@ std::string ReadText(const std::string &path) {
     return {reinterpret_cast<const char *>(content.View().data()), read.failed ? 0 : read.length};
 }
 
+struct GLibDeleter {
+    void operator()(GKeyFile *file) const noexcept { g_key_file_free(file); }
+    void operator()(char *text) const noexcept { g_free(text); }
+};
+
 // Flatpak itself writes the file, in a root folder that belongs to nobody else.
 std::string FlatpakIdentifier(const std::string &path) {
     const std::string text = ReadText(path);
     if (text.empty()) return {};
-    const std::unique_ptr<GKeyFile, decltype(&g_key_file_free)> file(g_key_file_new(), g_key_file_free);
-    if (!g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr))
+    const std::unique_ptr<GKeyFile, GLibDeleter> file(sGLib.Open() ? g_key_file_new() : nullptr);
+    if (!file || !g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_NONE, nullptr))
         return {};
-    const std::unique_ptr<char, decltype(&g_free)> name(
-        g_key_file_get_string(file.get(), "Application", "name", nullptr), g_free);
+    const std::unique_ptr<char, GLibDeleter> name(
+        g_key_file_get_string(file.get(), "Application", "name", nullptr));
     return name ? std::string(name.get()) : std::string();
 }
 

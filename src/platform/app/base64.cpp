@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/app/base64.hpp"
 
+#include "platform/late/glib.hpp"
 #include "platform/val/data.hpp"
 
-#include <glib.h>
+#include <new>
 
 namespace vellum {
 namespace {
@@ -35,7 +36,7 @@ bool IsBase64(std::string_view text) noexcept {
 } // namespace
 
 Ref<const ValData> DecodeBase64(std::string_view text) noexcept {
-    if (!IsBase64(text)) return nullptr;
+    if (!IsBase64(text) || !sGLib.Open()) return nullptr;
     // GLib's decoder passes over all that is no digit; it writes 3 bytes for 4 digits, and wants 3 more.
     Ref<ValData> data = Adopt(ValDataCreateMutable(text.size() / 4 * 3 + 3));
     if (!data) return nullptr;
@@ -48,6 +49,7 @@ Ref<const ValData> DecodeBase64(std::string_view text) noexcept {
 }
 
 std::string EncodeBase64(std::string_view bytes) {
+    if (!sGLib.Open()) throw std::bad_alloc();
     // For 3 bytes 4 digits, and as much again at the end.
     std::string text((bytes.size() / 3 + 1) * 4 + 4, '\0');
     int state = 0;

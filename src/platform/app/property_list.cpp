@@ -2,9 +2,8 @@
 #include "platform/app/property_list.hpp"
 
 #include "platform/app/base64.hpp"
+#include "platform/late/expat.hpp"
 #include "platform/process/passing_failures.hpp"
-
-#include <expat.h>
 
 #include <charconv>
 #include <memory>
@@ -92,11 +91,14 @@ struct OpenElement {
     Ref<const void> value;         // of the root
 };
 
+struct ParserDeleter {
+    void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
+};
+
 class Reader {
 public:
     Ref<const void> Read(const char *bytes, size_t length) {
-        const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate("UTF-8"),
-                                                                                  XML_ParserFree);
+        const std::unique_ptr<XML_ParserStruct, ParserDeleter> parser(XML_ParserCreate("UTF-8"));
         if (!parser) {
             ++tPassingFailures;
             return nullptr;

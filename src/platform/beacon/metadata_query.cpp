@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/beacon/metadata_query.hpp"
 
+#include "platform/late/glib.hpp"
 #include "platform/loop/private_loop.hpp"
 #include "platform/notify/notification_center.hpp"
 #include "platform/port/service_address.hpp"
 #include "platform/val/static_string.hpp"
-
-#include <glib-unix.h>
-#include <glib.h>
 
 #include <cstring>
 #include <memory>
@@ -75,7 +73,7 @@ const ValString *MetadataQuery::FinishNotification() noexcept {
 }
 
 bool MetadataQuery::Execute(GMainContext *context) noexcept {
-    if (source_ || is_complete_ || service_.empty()) return false;
+    if (source_ || is_complete_ || service_.empty() || !sGLib.Open()) return false;
     try {
         socket_ = ConnectToService(service_.c_str());
         if (!socket_.IsOpen() || PeerProcess(socket_.Get()) == 0) return false;

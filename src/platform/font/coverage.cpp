@@ -124,6 +124,7 @@ Ref<const ValCharacterSet> CopyMembers(const hb_set_t *set) {
 } // namespace
 
 Ref<const ValCharacterSet> ReadCoverage(TBytes cmap, TBytes os2, unsigned int glyphs) {
+    if (!sHarfBuzz.Open()) throw std::bad_alloc();
     const TSetHandle set(hb_set_create());
     if (IsCheap(cmap)) {
         const TTableFunction tables = [cmap, os2](GxTag tag) {

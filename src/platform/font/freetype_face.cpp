@@ -7,6 +7,7 @@
 #include "platform/font/freetype_stream.hpp"
 #include "platform/font/inflate.hpp"
 #include "platform/font/limits.hpp"
+#include "platform/process/passing_failures.hpp"
 
 #include <algorithm>
 #include <optional>
@@ -100,11 +101,14 @@ Ref<const ValCharacterSet> TFreeTypeFace::CopyCharacterSet() const {
     if (coverage_) return coverage_;
     const TReading reading = source_->Open();
     if (!reading) return Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
+    const uint32_t failures = tPassingFailures;
     const TFreeType freetype;
     const TReadableFile file(freetype, reading, kind_);
-    WithFace(freetype, file, index_, [&](FT_Face face) { coverage_ = GatherFreeTypeCoverage(face); });
-    if (!coverage_) coverage_ = Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
-    return coverage_;
+    Ref<const ValCharacterSet> coverage;
+    WithFace(freetype, file, index_, [&](FT_Face face) { coverage = GatherFreeTypeCoverage(face); });
+    if (!coverage) coverage = Adopt<const ValCharacterSet>(ValCharacterSetCreateMutable());
+    if (failures == tPassingFailures) coverage_ = coverage;
+    return coverage;
 }
 
 void LoadFreeTypeFaces(const TFontSourcePtr &source, const TReading &reading, TFontKind kind,

@@ -6,9 +6,6 @@
 #include "platform/val/character_set.hpp"
 #include "platform/val/string.hpp"
 
-#include FT_BDF_H
-#include FT_TYPE1_TABLES_H
-
 #include <cstring>
 #include <optional>
 #include <string>

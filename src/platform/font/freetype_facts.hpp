@@ -3,9 +3,7 @@
 #pragma once
 
 #include "platform/font/freetype_face.hpp"
-
-#include <ft2build.h>
-#include FT_FREETYPE_H
+#include "platform/late/freetype.hpp"
 
 namespace vellum {
 

@@ -3,8 +3,7 @@
 #include "platform/font/freetype_library.hpp"
 
 #include "platform/font/limits.hpp"
-
-#include FT_MODULE_H
+#include "platform/process/passing_failures.hpp"
 
 #include <malloc.h>
 
@@ -44,19 +43,27 @@ constinit FT_MemoryRec_ sMemory = {nullptr, Allocate, Free, Reallocate};
 // environment says.
 FT_Library MakeLibrary() noexcept {
     FT_Library library = nullptr;
+    if (!sFreeType.Open()) return nullptr;
     if (FT_New_Library(&sMemory, &library) != 0) return nullptr;
     FT_Add_Default_Modules(library);
     return library;
 }
 
-FT_Library SharedLibrary() noexcept {
-    static const FT_Library sLibrary = MakeLibrary();
-    return sLibrary;
+// Guarded by the mutex, like all of FreeType.
+constinit FT_Library sLibrary = nullptr;
+
+std::mutex &MutexOfOpened() noexcept {
+    sFreeType.Open();
+    return sMutex;
 }
 
 } // namespace
 
-TFreeType::TFreeType() : lock_(sMutex), library_(SharedLibrary()) {}
+TFreeType::TFreeType() : lock_(MutexOfOpened()) {
+    if (!sLibrary) sLibrary = MakeLibrary();
+    if (!sLibrary) ++tPassingFailures;
+    library_ = sLibrary;
+}
 
 FT_Memory TFreeType::Memory() noexcept {
     return &sMemory;

@@ -2,8 +2,7 @@
 // The one FreeType library of the process, and the right to use it.
 #pragma once
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
+#include "platform/late/freetype.hpp"
 
 #include <mutex>
 

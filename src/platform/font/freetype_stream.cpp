@@ -2,8 +2,6 @@
 // FreeType's stream callbacks over a round of reading.
 #include "platform/font/freetype_stream.hpp"
 
-#include FT_MODULE_H
-
 namespace vellum {
 
 TFreeTypeStream::TFreeTypeStream(const TReading &reading) noexcept {

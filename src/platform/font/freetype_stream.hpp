@@ -3,9 +3,7 @@
 #pragma once
 
 #include "platform/font/font_source.hpp"
-
-#include <ft2build.h>
-#include FT_FREETYPE_H
+#include "platform/late/freetype.hpp"
 
 #include <memory>
 

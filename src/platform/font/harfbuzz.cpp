@@ -4,6 +4,8 @@
 
 #include "platform/font/guarded.hpp"
 
+#include <new>
+
 namespace vellum {
 namespace {
 
@@ -19,6 +21,7 @@ hb_blob_t *ReferenceTable(hb_face_t *, hb_tag_t tag, void *context) noexcept {
 } // namespace
 
 TFaceHandle MakeFace(const TTableFunction &tables) {
+    if (!sHarfBuzz.Open()) throw std::bad_alloc();
     return TFaceHandle(
         hb_face_create_for_tables(ReferenceTable, const_cast<TTableFunction *>(&tables), nullptr));
 }

@@ -6,10 +6,6 @@
 #include "platform/font/freetype_stream.hpp"
 #include "platform/font/limits.hpp"
 
-#include FT_BZIP2_H
-#include FT_GZIP_H
-#include FT_LZW_H
-
 #include <algorithm>
 #include <cstring>
 

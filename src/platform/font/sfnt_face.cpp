@@ -5,6 +5,8 @@
 #include "platform/font/coverage.hpp"
 #include "platform/font/freetype_face.hpp"
 #include "platform/font/limits.hpp"
+#include "platform/late/freetype.hpp"
+#include "platform/late/harfbuzz.hpp"
 #include "platform/process/passing_failures.hpp"
 #include "platform/val/object.hpp"
 
@@ -92,6 +94,7 @@ TBuffer TSfntFace::CopyBytes(const TReading &reading, GxTag tag, size_t limit) c
 }
 
 Ref<const ValCharacterSet> TSfntFace::CopyCharacterSet() const {
+    sHarfBuzz.Open(); // before the lock
     const std::lock_guard lock(mutex_);
     if (coverage_) return coverage_;
     const uint32_t failures = tPassingFailures;
@@ -129,11 +132,15 @@ bool TSfntFace::HasBitmaps() const {
 
 bool TSfntFace::IsBitmapOnly() const {
     if (!HasBitmaps()) return false;
+    sFreeType.Open(); // before the lock
     const std::lock_guard lock(mutex_);
     if (bitmap_only_) return *bitmap_only_;
     const TReading reading = parts_.source->Open();
     if (!reading) return false;
-    return bitmap_only_.emplace(IsBitmapOnlySfnt(reading, parts_.index));
+    const uint32_t failures = tPassingFailures;
+    const bool is_bitmap_only = IsBitmapOnlySfnt(reading, parts_.index);
+    if (failures == tPassingFailures) bitmap_only_ = is_bitmap_only;
+    return is_bitmap_only;
 }
 
 } // namespace vellum

@@ -5,8 +5,6 @@
 #include "platform/font/harfbuzz.hpp"
 #include "platform/font/limits.hpp"
 
-#include <hb-ot.h>
-
 #include <algorithm>
 
 namespace vellum {

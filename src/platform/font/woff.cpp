@@ -8,8 +8,6 @@
 #include "platform/font/sfnt_loader.hpp"
 #include "platform/font/woff_header.hpp"
 
-#include FT_TRUETYPE_TABLES_H
-
 #include <algorithm>
 #include <atomic>
 #include <mutex>

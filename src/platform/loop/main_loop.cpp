@@ -2,11 +2,11 @@
 #include "platform/loop/main_loop.hpp"
 
 #include "platform/fs/file.hpp"
+#include "platform/late/glib.hpp"
 #include "platform/process/fork_gate.hpp"
 #include "platform/process/per_process.hpp"
 
 #include <fcntl.h>
-#include <glib.h>
 #include <sys/eventfd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -157,9 +157,12 @@ bool AttachSource() {
     return true;
 }
 
+// Timers that are added where GLib cannot be opened wait until it can.
 MainLoop &Loop() {
-    static const bool is_attached = AttachSource();
-    static_cast<void>(is_attached);
+    if (sGLib.Open()) {
+        static const bool is_attached = AttachSource();
+        static_cast<void>(is_attached);
+    }
     return sMainLoop.Get();
 }
 

@@ -2,9 +2,9 @@
 #include "platform/loop/private_loop.hpp"
 
 #include "platform/fs/file.hpp"
+#include "platform/late/glib.hpp"
 #include "platform/process/fork_gate.hpp"
 
-#include <glib.h>
 #include <sys/eventfd.h>
 
 #include <algorithm>
@@ -28,7 +28,7 @@ bool HasRoomForContext() noexcept {
 }
 
 GMainContext *CreateContext() noexcept {
-    return HasRoomForContext() ? g_main_context_new() : nullptr;
+    return sGLib.Open() && HasRoomForContext() ? g_main_context_new() : nullptr;
 }
 
 } // namespace

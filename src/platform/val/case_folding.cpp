@@ -3,8 +3,7 @@
 // knows; the two tables hold all others, from CaseFolding.txt of Unicode 14. Cherokee folds to its
 // capitals, which are older than its small letters.
 #include "platform/val/letter_case.hpp"
-
-#include <glib.h>
+#include "platform/val/lowercase_runs.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -117,7 +116,7 @@ CaseMapping FoldCharacter(char32_t c) noexcept {
                 static_cast<uint8_t>(row->folded[2] ? 3 : 2)};
     }
     if (const FoldedRun *run = FindRun(c)) return {{c - run->first + run->folded_first}, 1};
-    return {{g_unichar_tolower(c)}, 1};
+    return {{SimpleLowercase(c)}, 1};
 }
 
 } // namespace vellum

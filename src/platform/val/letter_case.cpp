@@ -2,7 +2,7 @@
 // Texts under a letter-case mapping: comparing and hashing them without writing them out.
 #include "platform/val/letter_case.hpp"
 
-#include <glib.h>
+#include "platform/val/lowercase_runs.hpp"
 
 #include <algorithm>
 
@@ -40,7 +40,7 @@ CaseMapping LowerCharacter(char32_t c) noexcept {
     // GLib maps letters, but not the Roman numerals and circled letters, which have a case as well.
     if (c >= 0x2160 && c <= 0x216F) return {{c + 16}, 1};
     if (c >= 0x24B6 && c <= 0x24CF) return {{c + 26}, 1};
-    return {{c > kLastCodePoint ? c : g_unichar_tolower(c)}, 1};
+    return {{SimpleLowercase(c)}, 1};
 }
 
 char32_t MappedText::Next() noexcept {

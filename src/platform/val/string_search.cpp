@@ -3,7 +3,7 @@
 #include "platform/val/letter_case.hpp"
 #include "platform/val/string.hpp"
 
-#include <glib.h>
+#include <algorithm>
 
 namespace vellum {
 namespace {
@@ -51,10 +51,11 @@ bool FindFolded(std::string_view text, std::string_view sought, bool last, ValRa
     return any;
 }
 
-// Unicode's White_Space: the separators of GLib and the controls that it leaves out.
+// Unicode's White_Space (PropList.txt), which is not to change any more.
 bool IsWhitespace(char32_t c) noexcept {
+    constexpr char32_t kOthers[] = {0x85, 0xA0, 0x1680, 0x2028, 0x2029, 0x202F, 0x205F, 0x3000};
     if (c < 0x80) return c == ' ' || (c >= '\t' && c <= '\r');
-    return c == 0x85 || (c <= kLastCodePoint && g_unichar_isspace(c));
+    return (c >= 0x2000 && c <= 0x200A) || std::ranges::binary_search(kOthers, c);
 }
 
 std::string_view TrimWhitespace(std::string_view text) noexcept {
