@@ -25,6 +25,12 @@ bool WantsStableCopy(const ValURL *url, VLFontFlags flags) {
     return (flags & kVLFontFlagCopyToStable) && !(DirectoryFlags(url) & kVLFontFlagRootVolume);
 }
 
+// Whether a file holds nothing but the outlines of a suitcase's fonts, which are reached through it:
+// neither the legacy font service nor stable storage is to have it.
+bool IsOutlines(const ValURL *url) {
+    return ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font");
+}
+
 } // namespace
 
 void TLocalGlypharyImp::NoteChange() const noexcept {
@@ -46,10 +52,9 @@ void TLocalGlypharyImp::RemoveFace(FontReference reference) const noexcept {
 bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, VLFontFlags flags,
                                      VLScope scope) const {
     if (!ReferencesForURL(kPathIndex, url).empty()) return false;
-    // Files that hold nothing but the outlines of a suitcase's fonts are reached through it. They have no
-    // faces: where none but this register sees the file, that is all that there is to it.
-    const bool others_see_it = (flags & kVLFontFlagCopyToStable) || !(scope & kVLScopeLegacyTold);
-    if (others_see_it && ConformsToTypeTag(url, "com.adobe.postscript-ptfn-font")) return false;
+    // Outlines have no faces: of files that are not copied, only those without faces are asked about them.
+    const bool wants_copy = (flags & kVLFontFlagCopyToStable) != 0;
+    if (wants_copy && IsOutlines(url)) return false;
     auto file = WholeFile(url);
     if (WantsStableCopy(url, flags)) {
         Ref<const ValURL> copy;
@@ -57,10 +62,11 @@ bool TLocalGlypharyImp::RegisterFont(const ValURL *url, const ValDictionary *, V
         if (!ReferencesForURL(kPathIndex, copy.Get()).empty()) return false;
         file = std::move(copy);
     }
-    DoRegisterURLWithFount(file.Get(), true, flags, scope);
     const GxFontRound round; // of reading the faces and, for the indexes, their names
     const auto fonts = CreateFontsFromURL(file.Get());
     const size_t count = ValArrayGetCount(fonts.Get());
+    if (count == 0 && !wants_copy && !(scope & kVLScopeLegacyTold) && IsOutlines(url)) return false;
+    DoRegisterURLWithFount(file.Get(), true, flags, scope);
     if (count == 0) return false;
 
     std::vector<FontReference> added;
