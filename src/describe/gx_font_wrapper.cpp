@@ -2,6 +2,7 @@
 #include "describe/gx_font_wrapper.hpp"
 
 #include "platform/process/passing_failures.hpp"
+#include "platform/val/url.hpp"
 #include "values/val_array.hpp"
 #include "values/val_str.hpp"
 #include "values/val_url.hpp"
@@ -84,8 +85,7 @@ Ref<const ValURL> TGxFont::CopyURL() {
 }
 
 bool TGxFont::IsInMemoryURL(const ValURL *url) {
-    const TValStr host(Adopt(ValURLCopyHost(url)));
-    return host.View().starts_with(kInMemoryPrefix);
+    return url && HostOfAuthority(Parts(*url).authority.value_or("")).starts_with(kInMemoryPrefix);
 }
 
 Ref<const ValArray> CreateFontsFromURL(const ValURL *url) {

@@ -2,6 +2,9 @@
 // Percent escapes of URLs.
 #include "platform/val/percent_escapes.hpp"
 
+#include <algorithm>
+#include <array>
+
 namespace vellum {
 namespace {
 
@@ -9,10 +12,14 @@ namespace {
 constexpr std::string_view kPlainMarks = "-._~!$&'()*+,;=:@/";
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
-constexpr bool IsPlain(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-           kPlainMarks.find(c) != std::string_view::npos;
-}
+constexpr auto kIsPlain = [] {
+    std::array<bool, 256> is_plain{};
+    for (int c = 0; c < 128; ++c)
+        is_plain[static_cast<size_t>(c)] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                                           (c >= '0' && c <= '9') ||
+                                           kPlainMarks.find(static_cast<char>(c)) != std::string_view::npos;
+    return is_plain;
+}();
 
 constexpr int HexValue(char c) noexcept {
     if (c >= '0' && c <= '9') return c - '0';
@@ -32,14 +39,19 @@ constexpr int EscapedByte(std::string_view text) noexcept {
 } // namespace
 
 void AppendEscaped(TextBuffer &out, std::string_view text, std::string_view also) noexcept {
-    for (char c : text) {
-        if (IsPlain(c) && also.find(c) == std::string_view::npos) {
-            out.AppendByte(c);
-        } else {
-            auto byte = static_cast<unsigned char>(c);
-            const char escape[] = {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
-            out.Append({escape, sizeof escape});
-        }
+    const auto is_plain = [also](char c) {
+        return kIsPlain[static_cast<unsigned char>(c)] &&
+               (also.empty() || also.find(c) == std::string_view::npos);
+    };
+    while (!text.empty()) {
+        const auto plain = static_cast<size_t>(std::ranges::find_if_not(text, is_plain) - text.begin());
+        out.Append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty()) break;
+        const auto byte = static_cast<unsigned char>(text[0]);
+        const char escape[] = {'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]};
+        out.Append({escape, sizeof escape});
+        text.remove_prefix(1);
     }
 }
 

@@ -52,6 +52,14 @@ bool AppendPathStart(TextBuffer &out, std::string_view path, const ValURL *base)
     return true;
 }
 
+// From "file://" and an escaped path, which are a URL.
+Ref<const ValURL> MakeFileURL(Ref<const ValString> text) noexcept {
+    if (!text) return nullptr;
+    auto absolute = text;
+    return Ref<const ValURL>::Adopt(
+        AllocateObject<ValURL>(0, std::move(text), nullptr, std::move(absolute)));
+}
+
 } // namespace
 
 constinit const ValKind kURLKind{kValTypeURL, "URL", FinalizeURL, EqualURLs, HashURL, nullptr};
@@ -91,7 +99,8 @@ const ValURL *ValURLCreateWithFileSystemPath(const ValString *path, bool isDirec
     if (!AppendPathStart(text, bytes, base)) return nullptr;
     AppendEscaped(text, bytes);
     if (isDirectory && !bytes.ends_with('/')) text.Append("/");
-    return MakeURL(text.MakeString(), base).Release();
+    if (base && !bytes.starts_with('/')) return MakeURL(text.MakeString(), base).Release();
+    return MakeFileURL(text.MakeString()).Release();
 }
 
 const ValString *ValURLGetString(const ValURL *url) noexcept {
@@ -140,8 +149,10 @@ const ValString *ValURLCopyDecodedFragment(const ValURL *url) noexcept {
 const ValURL *ValURLCopyWithFragment(const ValURL *url, const ValString *fragment) noexcept {
     if (!url) return nullptr;
     std::string_view text = AbsoluteText(*url);
+    const size_t mark = text.find('#');
+    if (!fragment && !url->base && mark == std::string_view::npos) return Retain(url).Release();
     TextBuffer changed;
-    changed.Append(text.substr(0, text.find('#')));
+    changed.Append(text.substr(0, mark));
     if (fragment) {
         changed.Append("#");
         changed.Append(Text(*fragment));
