@@ -2,6 +2,7 @@
 // Requests to a register in the process: its indexes narrow them down, what they don't know of is matched
 // face by face, and what is left is put in order.
 #include "describe/client_font_entity.hpp"
+#include "describe/font_properties.hpp"
 #include "query/face_order.hpp"
 #include "query/trace_stages.hpp"
 #include "store/local_glyphary_imp.hpp"
@@ -150,9 +151,31 @@ std::vector<FontReference> TLocalGlypharyImp::ScanFonts(const ValDictionary *req
     return fonts;
 }
 
+// What an index has for a request that is one key, of which nothing is left then: the most frequent
+// question. None for other requests, and where somebody listens to how the answer comes about. A PostScript
+// name is no such key, as other names stand in for it.
+std::optional<std::vector<FontReference>>
+TLocalGlypharyImp::FindFontsByOneKey(const ValDictionary *request) const {
+    if (ValDictionaryGetCount(request) != 1 || LookupTrace::Current()) return std::nullopt;
+    size_t cursor = 0;
+    const void *key = nullptr, *value = nullptr;
+    ValDictionaryNext(request, &cursor, &key, &value);
+    const auto *property = Cast<ValString>(key);
+    if (TFontProperties::GetPropertyID(property) == PropertyID::kName) return std::nullopt;
+    const TFontIndex *index = GetIndexForProperty(property);
+    return index ? std::optional(index->FontsForKey(value)) : std::nullopt;
+}
+
 // A request of which an index knows a part is answered by candidates alone: where they come to nothing,
 // there is no answer, whatever else is requested.
 std::vector<FontReference> TLocalGlypharyImp::FindFonts(const ValDictionary *request, Wanted wanted) const {
+    if (auto fonts = FindFontsByOneKey(request)) {
+        if (fonts->size() > 1) {
+            const TFontEntityComparisonContext context(request);
+            PutInOrder(*fonts, &context);
+        }
+        return std::move(*fonts);
+    }
     TValMutableDict rest = CopyOf(request);
     TValMutableSet candidates(kValRawCallbacks);
     bool is_indexed = false;

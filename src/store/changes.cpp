@@ -45,7 +45,7 @@ bool MoveFaces(const std::vector<FontReference> &references, const FontTable &fr
 } // namespace
 
 std::vector<FontReference> TLocalGlypharyImp::ReferencesForURL(uint16_t index, const ValURL *url) const {
-    return ReferencesIn(GetIndex(index)->CopyFontsForKey(url).Get());
+    return GetIndex(index)->FontsForKey(url);
 }
 
 // All that may fail comes before the face leaves the table in which it is. What index 5 then holds of a

@@ -84,6 +84,11 @@ Ref<const ValSet> TFontIndex::CopyFontsForKey(const void *key) const {
     return Retain<const ValSet>(GetFontsSetForKeyInternal(key));
 }
 
+std::vector<FontReference> TFontIndex::FontsForKey(const void *key) const {
+    if (const FontReference present = GetFontForKeyInternal(key)) return {present};
+    return ReferencesIn(GetFontsSetForKeyInternal(key));
+}
+
 Ref<const ValArray> TFontIndex::CopyAllKeys() const {
     TValMutableArray keys(GetIndexKeyArrayCallBacks());
     for (const auto *table : {&direct_, &sets_})

@@ -29,6 +29,9 @@ public:
     // The faces under a key, or null. A key's set is handed out itself: it shows later changes.
     virtual Ref<const ValSet> CopyFontsForKey(const void *key) const;
 
+    // The same, copied: nobody needs a set for it.
+    virtual std::vector<FontReference> FontsForKey(const void *key) const;
+
     // Every key, those with one face first.
     virtual Ref<const ValArray> CopyAllKeys() const;
 

@@ -2,6 +2,7 @@
 #include "store/font_path_index.hpp"
 
 #include "describe/gx_font_wrapper.hpp"
+#include "platform/val/string.hpp"
 #include "values/val_str.hpp"
 
 #include <algorithm>
@@ -19,19 +20,39 @@ Ref<const ValString> PathKey(std::string_view path) {
     return key;
 }
 
+// Whether normalizing leaves a path as it is. Nearly all are so.
+bool IsNormal(std::string_view path) noexcept {
+    if (!path.starts_with('/')) return false;
+    for (size_t at = 0; at < path.size();) {
+        const size_t end = std::min(path.find('/', at + 1), path.size());
+        const std::string_view component = path.substr(at + 1, end - at - 1);
+        if (component.empty() || component == "." || component == "..") return false;
+        at = end;
+    }
+    return true;
+}
+
+// CopyNormalizedPath as a key: empty, not null, for a URL that has none.
+Ref<const ValString> PathKeyOf(const ValURL *url) {
+    if (!TGxFont::IsInMemoryURL(url)) {
+        auto path = CopyPath(url);
+        if (IsNormal(Text(path))) return path;
+    }
+    return PathKey(CopyNormalizedPath(url));
+}
+
 // Calls visit(key) for the path and for each folder above it but the root, innermost first. What
 // has no components, the root itself, is its own key.
 template <class Visit>
 void ForEachPathKey(const ValURL *url, Visit visit) {
-    const std::string path = CopyNormalizedPath(url);
+    const auto file = PathKeyOf(url);
+    const std::string_view path = Text(file);
     // Every face lies somewhere: that there is no path to be had means that memory is exhausted.
     if (url && path.empty()) throw std::bad_alloc();
-    size_t length = path.size();
-    while (length > 0) {
-        visit(PathKey(std::string_view(path).substr(0, length)).Get());
-        const size_t slash = path.rfind('/', length - 1);
-        length = slash == std::string::npos ? 0 : slash;
-    }
+    if (path.empty()) return;
+    visit(file.Get());
+    for (size_t at = path.rfind('/'); at != 0 && at != std::string_view::npos; at = path.rfind('/', at - 1))
+        visit(PathKey(path.substr(0, at)).Get());
 }
 
 } // namespace
@@ -81,7 +102,13 @@ void TFontPathIndex::RemoveFontForKey(FontReference font, const void *key) {
 Ref<const ValSet> TFontPathIndex::CopyFontsForKey(const void *key) const {
     const auto *url = Cast<ValURL>(key);
     if (IsEmpty() || !url) return nullptr;
-    return TFontIndex::CopyFontsForKey(PathKey(CopyNormalizedPath(url)).Get());
+    return TFontIndex::CopyFontsForKey(PathKeyOf(url).Get());
+}
+
+std::vector<FontReference> TFontPathIndex::FontsForKey(const void *key) const {
+    const auto *url = Cast<ValURL>(key);
+    if (IsEmpty() || !url) return {};
+    return TFontIndex::FontsForKey(PathKeyOf(url).Get());
 }
 
 } // namespace vellum

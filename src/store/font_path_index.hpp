@@ -15,6 +15,7 @@ public:
     void AddFontForKey(FontReference font, const void *key) override;
     void RemoveFontForKey(FontReference font, const void *key) override;
     Ref<const ValSet> CopyFontsForKey(const void *key) const override;
+    std::vector<FontReference> FontsForKey(const void *key) const override;
     const ValString *GetIndexedProperty() const override { return kVLFontPropertyURL; }
 };
 

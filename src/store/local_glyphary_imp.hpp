@@ -157,6 +157,7 @@ private:
     // Requests: the references of the faces that answer, in order; the best alone where that is enough.
     enum class Wanted { kAll, kBest };
     std::vector<FontReference> FindFonts(const ValDictionary *request, Wanted wanted) const;
+    std::optional<std::vector<FontReference>> FindFontsByOneKey(const ValDictionary *request) const;
     std::vector<FontReference> ScanFonts(const ValDictionary *request, Wanted wanted) const;
     std::vector<FontReference> KeepMatching(std::vector<FontReference> candidates,
                                             const ValDictionary *rest) const;

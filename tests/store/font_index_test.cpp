@@ -18,7 +18,10 @@ protected:
     void Add(FontReference font, const char *key) { index.AddFontForKey(font, String(key).Get()); }
     void Remove(FontReference font, const char *key) { index.RemoveFontForKey(font, String(key).Get()); }
     std::vector<FontReference> Find(const char *key) const {
-        return References(index.CopyFontsForKey(String(key).Get()));
+        const auto wanted = String(key);
+        const auto found = References(index.CopyFontsForKey(wanted.Get()));
+        EXPECT_EQ(index.FontsForKey(wanted.Get()), found);
+        return found;
     }
     FontReference Direct(const char *key) const { return index.GetFontForKeyInternal(String(key).Get()); }
     const ValSet *SetOf(const char *key) const {

@@ -18,7 +18,10 @@ protected:
     void Add(FontReference font, const char *url) { index.AddFontForKey(font, MakeURL(url).Get()); }
     void Remove(FontReference font, const char *url) { index.RemoveFontForKey(font, MakeURL(url).Get()); }
     std::vector<FontReference> Find(const char *url) const {
-        return References(index.CopyFontsForKey(MakeURL(url).Get()));
+        const auto wanted = MakeURL(url);
+        const auto found = References(index.CopyFontsForKey(wanted.Get()));
+        EXPECT_EQ(index.FontsForKey(wanted.Get()), found);
+        return found;
     }
 
     TFontPathIndex index;
@@ -88,6 +91,8 @@ TEST_F(FontPathIndex, WhatIsNoURLIsPassedOver) {
     Add(kFirst, "file:///a/c.ttf");
     EXPECT_FALSE(index.CopyFontsForKey(String("/a/c.ttf").Get()));
     EXPECT_FALSE(index.CopyFontsForKey(nullptr));
+    EXPECT_THAT(index.FontsForKey(String("/a/c.ttf").Get()), IsEmpty());
+    EXPECT_THAT(index.FontsForKey(nullptr), IsEmpty());
 }
 
 TEST(NormalizePath, TakesDotsAndSlashesOutOfTheText) {
