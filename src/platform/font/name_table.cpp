@@ -41,8 +41,19 @@ TNameTable::TNameTable(TBytes table, std::span<const uint16_t> more) : present_(
     const size_t held = table.size() < kHeaderSize ? 0 : (table.size() - kHeaderSize) / kRecordSize;
     const size_t count = std::min({claimed, held, limits::kNameRecords});
     if (ReadU16(table, 0) == 1) ReadTags(table, kHeaderSize + claimed * kRecordSize, text);
+    const auto record_at = [table](size_t i) {
+        return table.subspan(kHeaderSize + i * kRecordSize, kRecordSize);
+    };
+    size_t asked = 0, asked_bytes = 0;
     for (size_t i = 0; i < count; ++i) {
-        const TBytes record = table.subspan(kHeaderSize + i * kRecordSize, kRecordSize);
+        if (!IsAsked(ReadU16(record_at(i), 6), more)) continue;
+        ++asked;
+        asked_bytes += ReadU16(record_at(i), 8);
+    }
+    records_.reserve(asked);
+    text_.reserve(std::min({asked_bytes, text.size(), limits::kKeptNameBytes}));
+    for (size_t i = 0; i < count; ++i) {
+        const TBytes record = record_at(i);
         const uint16_t place = AddLanguage(ReadU16(record, 0), ReadU16(record, 4));
         if (!IsAsked(ReadU16(record, 6), more)) continue;
         const TBytes bytes = Slice(text, ReadU16(record, 10), ReadU16(record, 8));
