@@ -16,6 +16,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace vellum {
 
@@ -49,12 +50,22 @@ public:
           is_inherited_(true), counter_(parents ? parents->counter_ : FileOf()) {}
 
     void Add(Timer timer) {
+        bool wakes = false;
         {
             const std::lock_guard lock(mutex_);
             timers_.push_back(timer);
             Signal();
+            wakes = std::exchange(may_sleep_, false);
         }
-        g_main_context_wakeup(nullptr);
+        if (wakes) g_main_context_wakeup(nullptr);
+    }
+
+    // Whether the loop has something to do at its next pass. Where it has not it may go to sleep, and the
+    // next timer wakes it; those that follow need not, before it asks again.
+    bool HasWork() noexcept {
+        const std::lock_guard lock(mutex_);
+        may_sleep_ = timers_.empty();
+        return !may_sleep_;
     }
 
     int Descriptor() noexcept {
@@ -122,6 +133,7 @@ private:
 
     std::mutex mutex_; // guards what follows
     std::deque<Timer> timers_;
+    bool may_sleep_ = true;       // the loop, for all that is known
     std::atomic<int> descriptor_; // an event counter, once it has been asked for
     bool is_inherited_;           // the counter is still the parent's
     FileOf counter_;              // what the descriptor led to when it was made
@@ -135,7 +147,7 @@ constinit PerProcess<MainLoop> sMainLoop;
 gboolean Prepare(GSource *, gint *timeout) noexcept {
     bool is_ready = false;
     try {
-        is_ready = sMainLoop.Get().Count() != 0;
+        is_ready = sMainLoop.Get().HasWork();
     } catch (...) { // memory is exhausted: this process has no timers yet
     }
     *timeout = is_ready ? 0 : -1;

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -85,6 +86,24 @@ TEST(MainLoop, IsWokenByATimerOfAnotherThread) {
                          loop);
     });
     g_main_loop_run(loop); // for ever, unless it is woken
+    other.join();
+    g_main_loop_unref(loop);
+}
+
+// Once it has slept it may sleep again.
+TEST(MainLoop, IsWokenByEveryTimerThatComesWhenTheLastHasFired) {
+    GMainLoop *loop = g_main_loop_new(nullptr, FALSE);
+    std::thread other([loop] {
+        for (int i = 0; i < 200; ++i) {
+            std::promise<void> has_fired;
+            AddMainLoopTimer(
+                [](void *info) noexcept { static_cast<std::promise<void> *>(info)->set_value(); },
+                &has_fired);
+            has_fired.get_future().wait();
+        }
+        g_main_loop_quit(loop);
+    });
+    g_main_loop_run(loop); // for ever, unless it is woken each time
     other.join();
     g_main_loop_unref(loop);
 }
