@@ -55,25 +55,48 @@ public:
     }
 
     PacketResult Send(int socket, bool wait) noexcept {
+        if (file_count_ == 0 && size_ <= kLongestJoined) return SendJoined(socket, wait);
         msghdr header = {};
         header.msg_iov = pieces_.data();
         header.msg_iovlen = piece_count_;
         if (file_count_) AttachFiles(header);
-        if (!wait) return Send(socket, header, MSG_DONTWAIT);
-        const OutsideLibrary waiting;
-        return Send(socket, header, 0);
+        return Send(wait, [&](int flags) { return ::sendmsg(socket, &header, flags); });
     }
 
 private:
-    static PacketResult Send(int socket, const msghdr &header, int flags) noexcept {
+    // What is no longer than this is put together here: the system takes longer to read a list of pieces
+    // than it takes to copy them. Most questions and answers are.
+    static constexpr size_t kLongestJoined = 512;
+
+    PacketResult SendJoined(int socket, bool wait) noexcept {
+        std::array<uint8_t, kLongestJoined> bytes;
+        size_t size = 0;
+        for (const iovec &piece : std::span(pieces_.data(), piece_count_)) {
+            if (piece.iov_len) std::memcpy(bytes.data() + size, piece.iov_base, piece.iov_len);
+            size += piece.iov_len;
+        }
+        return Send(wait, [&](int flags) { return ::send(socket, bytes.data(), size, flags); });
+    }
+
+    // Calls send(flags), which is sending by the system.
+    template <class Call>
+    static PacketResult Send(bool wait, Call send) noexcept {
+        if (!wait) return Repeat(send, MSG_DONTWAIT);
+        const OutsideLibrary waiting;
+        return Repeat(send, 0);
+    }
+
+    template <class Call>
+    static PacketResult Repeat(Call send, int flags) noexcept {
         ssize_t sent;
-        do sent = ::sendmsg(socket, &header, MSG_NOSIGNAL | flags);
+        do sent = send(MSG_NOSIGNAL | flags);
         while (sent < 0 && errno == EINTR);
         return sent < 0 ? ResultOfErrno() : PacketResult::kDone;
     }
 
     void Add(const void *bytes, size_t length) noexcept {
         pieces_[piece_count_++] = {const_cast<void *>(bytes), length};
+        size_ += length;
     }
 
     void AddMemory(size_t index, const OutgoingMemory &memory) noexcept {
@@ -100,6 +123,7 @@ private:
     PacketHeader header_ = {};
     std::array<iovec, 2 + kMachMostDescriptors> pieces_;
     size_t piece_count_ = 0;
+    size_t size_ = 0; // of all pieces
     std::array<int, kMachMostDescriptors> files_;
     size_t file_count_ = 0;
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int) * kMachMostDescriptors)> control_{};

@@ -3,6 +3,7 @@
 #include "platform/port/packet.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -230,6 +231,38 @@ TEST(Packet, ThatIsRefusedLeavesWhatWasReadBefore) {
     bad.enclosed.pop_back();
     EXPECT_FALSE(bad.Parses(read));
     EXPECT_EQ(TextOf(read.memory[1]), "second");
+}
+
+// Packets are sent in one piece, or piece by piece if they are long.
+TEST(Packet, ArrivesAsItWasSentWhateverItsLength) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
+    const TDescriptor from(ends[0]), to(ends[1]);
+    PacketReceiver receiver;
+    for (size_t length = 1; length < 1200; ++length) {
+        std::string memory(length, 'm');
+        memory.front() = 'f';
+        memory.back() = 'l';
+        OutgoingMessage message;
+        MachHeader header = {kMachSimpleBits | kMachComplexBit, 0, 0, 0, 0, 13000};
+        message.Append(header);
+        message.Append(uint32_t{1});
+        MachDescriptor descriptor;
+        descriptor.size = static_cast<uint32_t>(length);
+        message.Append(descriptor);
+        const auto block =
+            std::make_shared<const MemoryBlock>(MemoryBlock::CreateCopy(memory.data(), length));
+        message.AppendMemory({block, length});
+        message.SetHeader(header);
+        ASSERT_EQ(SendPacket(from.Get(), 7, message, length % 2 == 0), PacketResult::kDone) << length;
+        IncomingMessage read;
+        uint64_t instance = 0;
+        ASSERT_EQ(receiver.Receive(to.Get(), false, read, instance), PacketResult::kDone) << length;
+        EXPECT_EQ(instance, 7u);
+        EXPECT_EQ(TextOf(read.bytes), TextOf(message.Bytes())) << length;
+        ASSERT_EQ(read.memory_count, 1u);
+        EXPECT_EQ(TextOf(read.memory[0]), memory) << length;
+    }
 }
 
 } // namespace
