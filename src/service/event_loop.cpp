@@ -2,6 +2,8 @@
 #include "service/event_loop.hpp"
 
 #include <sys/epoll.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -23,8 +25,11 @@ uint64_t Key(int descriptor, uint32_t number) noexcept {
 
 } // namespace
 
-EventLoop::EventLoop() : epoll_(::epoll_create1(EPOLL_CLOEXEC)) {
-    if (!epoll_.IsOpen()) throw std::system_error(errno, std::generic_category());
+EventLoop::EventLoop()
+    : epoll_(::epoll_create1(EPOLL_CLOEXEC)),
+      alarm_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+    if (!epoll_.IsOpen() || !alarm_.IsOpen()) throw std::system_error(errno, std::generic_category());
+    Watch(alarm_.Get(), EPOLLIN, [this](uint32_t) { HandleTime(); });
 }
 
 void EventLoop::Watch(int descriptor, uint32_t events, Handler handler) {
@@ -48,17 +53,21 @@ void EventLoop::Forget(int descriptor) noexcept {
     if (watched_.erase(descriptor)) ::epoll_ctl(epoll_.Get(), EPOLL_CTL_DEL, descriptor, nullptr);
 }
 
-// How long nothing but an event is waited for, as epoll_wait wants it.
-int EventLoop::WaitingTime() const noexcept {
-    if (!in_order_.empty() || !in_turn_.empty()) return 0;
-    if (later_.empty()) return -1;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(later_.begin()->first - Clock::now());
-    return static_cast<int>(std::clamp<int64_t>(left.count(), 0, 60'000));
+// Has the alarm go off for the first call. Setting it now and then is cheaper than having the system do so
+// for each wait, between two messages. An alarm that is too early does no harm, so that one is left.
+void EventLoop::SetAlarm() noexcept {
+    if (later_.empty()) return;
+    const Clock::time_point first = later_.begin()->first;
+    if (alarm_is_set_ != Clock::time_point() && alarm_is_set_ <= first) return;
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(first.time_since_epoch());
+    const std::chrono::nanoseconds rest = first.time_since_epoch() - seconds;
+    const itimerspec time = {{}, {seconds.count(), rest.count()}};
+    if (::timerfd_settime(alarm_.Get(), TFD_TIMER_ABSTIME, &time, nullptr) == 0) alarm_is_set_ = first;
 }
 
 void EventLoop::HandleEvents() {
     std::array<epoll_event, kEventsAtOnce> events;
-    const int count = ::epoll_wait(epoll_.Get(), events.data(), kEventsAtOnce, WaitingTime());
+    const int count = ::epoll_wait(epoll_.Get(), events.data(), kEventsAtOnce, HasWork() ? 0 : -1);
     for (int i = 0; i < count; ++i) {
         const epoll_event &event = events[static_cast<size_t>(i)];
         const auto found = watched_.find(static_cast<int>(static_cast<uint32_t>(event.data.u64)));
@@ -69,13 +78,18 @@ void EventLoop::HandleEvents() {
 }
 
 void EventLoop::HandleTime() {
+    uint64_t expirations;
+    if (::read(alarm_.Get(), &expirations, sizeof expirations) < 0) return; // set anew meanwhile
+    alarm_is_set_ = {};
     while (!later_.empty() && later_.begin()->first <= Clock::now()) {
         const auto call = std::move(later_.extract(later_.begin()).mapped());
         call();
     }
+    SetAlarm();
 }
 
 void EventLoop::Work() {
+    if (!HasWork()) return;
     const auto end = Clock::now() + kWorkAtOnce;
     while (!in_order_.empty() && is_running_) {
         if (!in_order_.front()()) in_order_.pop();
@@ -91,7 +105,6 @@ void EventLoop::Run() {
     is_running_ = true;
     while (is_running_) {
         HandleEvents();
-        HandleTime();
         Work();
     }
 }

@@ -46,6 +46,7 @@ public:
     // Has something called once, not before so much time has passed.
     void CallLater(std::chrono::milliseconds delay, std::function<void()> call) {
         later_.emplace(Clock::now() + delay, std::move(call));
+        SetAlarm();
     }
 
     // Runs until Stop is called from within.
@@ -60,7 +61,8 @@ private:
 
     using Clock = std::chrono::steady_clock;
 
-    int WaitingTime() const noexcept;
+    bool HasWork() const noexcept { return !in_order_.empty() || !in_turn_.empty(); }
+    void SetAlarm() noexcept;
     void HandleEvents();
     void HandleTime();
     void Work();
@@ -70,6 +72,8 @@ private:
     uint32_t last_number_ = 0;
     std::queue<Slice> in_order_, in_turn_;
     std::multimap<Clock::time_point, std::function<void()>> later_;
+    TDescriptor alarm_;              // a timer, watched like everything else
+    Clock::time_point alarm_is_set_; // for when; the clock's beginning while it is not
     bool is_running_ = false;
 };
 
