@@ -2,6 +2,7 @@
 // Texts under a letter-case mapping: comparing and hashing them without writing them out.
 #include "platform/val/letter_case.hpp"
 
+#include "platform/val/byte_words.hpp"
 #include "platform/val/lowercase_runs.hpp"
 
 #include <algorithm>
@@ -15,6 +16,11 @@ public:
     void Add(char byte) noexcept {
         word_ |= static_cast<uint64_t>(static_cast<unsigned char>(byte)) << (8 * (length_ & 7));
         if ((++length_ & 7) == 0) Flush();
+    }
+    // Eight bytes, the first lowest; before any that are added one by one.
+    void AddEight(uint64_t bytes) noexcept {
+        hash_ = CombineHash(hash_, bytes);
+        length_ += 8;
     }
     uint64_t Finish() noexcept {
         Flush();
@@ -76,7 +82,9 @@ int CompareMapped(std::string_view a, std::string_view b, CaseMapper mapper) noe
 uint64_t HashLowercase(std::string_view text) noexcept {
     ByteHasher hasher;
     size_t ascii = AsciiPrefixLength(text);
-    for (char byte : text.substr(0, ascii)) hasher.Add(LowerAscii(byte));
+    size_t at = 0;
+    for (; ascii - at >= 8; at += 8) hasher.AddEight(LowerAsciiWord(LoadBytes(text.data() + at, 8)));
+    for (char byte : text.substr(at, ascii - at)) hasher.Add(LowerAscii(byte));
     MappedText rest(text.substr(ascii), LowerCharacter);
     while (!rest.AtEnd()) {
         char encoded[4];

@@ -2,6 +2,9 @@
 // The parts of a URL's text, and the resolution of relative ones.
 #include "platform/val/url_parts.hpp"
 
+#include "platform/val/byte_words.hpp"
+#include "platform/val/hash.hpp"
+
 #include <algorithm>
 
 namespace vellum {
@@ -53,6 +56,17 @@ bool IsAuthority(std::string_view authority) noexcept {
     if (host.starts_with('[') && !host.ends_with(']')) return false;
     rest.remove_prefix(host.size());
     return rest.empty() || (rest[0] == ':' && std::ranges::all_of(rest.substr(1), IsDigit));
+}
+
+bool HasControlCharacter(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const size_t count = std::min<size_t>(text.size(), 8);
+        uint64_t word = LoadBytes(text.data(), count);
+        if (count < 8) word |= RepeatByte(' ') << 8 * count; // behind the end
+        if (HasByteBelow(word, 0x20) || HasByte(word, 0x7F)) return true;
+        text.remove_prefix(count);
+    }
+    return false;
 }
 
 // Drops the last segment, and the slash before it, of what stands behind `start`.
@@ -129,9 +143,7 @@ std::string_view HostOfAuthority(std::string_view authority) noexcept {
 }
 
 bool IsURLText(std::string_view text) noexcept {
-    bool has_control = false; // looked for to the end, as there hardly ever is one
-    for (const char c : text) has_control |= static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    if (has_control) return false;
+    if (HasControlCharacter(text)) return false;
     URLParts parts = SplitURL(text);
     return !parts.authority || IsAuthority(*parts.authority);
 }

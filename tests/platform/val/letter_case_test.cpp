@@ -141,6 +141,22 @@ TEST(CaseInsensitiveCallbacks, HashWhatIsEqualTheSame) {
     EXPECT_NE(hash("a"), hash(std::string_view("a\0", 2)));
 }
 
+// Eight bytes are lower-cased at a time, in one number.
+TEST(CaseInsensitiveCallbacks, HashEachASCIICharacterInEachPlaceAsItsSmallLetter) {
+    auto hash = [](std::string_view text) {
+        return kValCaseInsensitiveStringCallbacks.hash(S(text).Get());
+    };
+    for (size_t at = 0; at < 17; ++at)
+        for (int c = 0; c < 0x80; ++c) {
+            std::string text(17, 'Z'), lower(17, 'z'), other(17, 'z');
+            text[at] = static_cast<char>(c);
+            lower[at] = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+            other[at] = static_cast<char>(lower[at] ^ 1);
+            EXPECT_EQ(hash(text), hash(lower)) << at << " " << c;
+            EXPECT_NE(hash(text), hash(other)) << at << " " << c;
+        }
+}
+
 TEST(CaseInsensitiveCallbacks, CompareOtherValuesAsTheyAre) {
     auto &callbacks = kValCaseInsensitiveStringCallbacks;
     EXPECT_TRUE(callbacks.equal(N(1).Get(), F(1.0).Get()));

@@ -42,6 +42,16 @@ TEST_P(URLText, HasItsParts) {
     EXPECT_EQ(ValURLGetBase(url.Get()), nullptr);
 }
 
+TEST(URLTexts, HaveNoControlCharacterInAnyPlace) {
+    for (size_t length = 8; length < 25; ++length)
+        for (size_t at = 5; at < length; ++at)
+            for (int c = 0; c < 0x80; ++c) {
+                std::string text = "file:" + std::string(length - 5, 'a');
+                text[at] = static_cast<char>(c);
+                EXPECT_EQ(bool(U(text)), c >= 0x20 && c != 0x7F) << length << " " << at << " " << c;
+            }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Table, URLText,
     ::testing::Values(
