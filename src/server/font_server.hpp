@@ -4,6 +4,7 @@
 
 #include "ipc/messages/message_codec.hpp"
 #include "server/kept_answers.hpp"
+#include "server/kept_names.hpp"
 #include "server/provider_list.hpp"
 #include "server/shared_register.hpp"
 #include "service/event_loop.hpp"
@@ -46,6 +47,7 @@ public:
     const TLocalGlypharyImp &Fonts() const noexcept { return register_.Fonts(); }
     FontFolders &Folders() noexcept { return folders_; }
     KeptAnswers &Kept() noexcept { return kept_; }
+    KeptNames &Names() noexcept { return names_; }
     ProviderList &Providers() noexcept { return providers_; }
     EventLoop &Loop() noexcept { return loop_; }
 
@@ -57,6 +59,7 @@ private:
     SharedRegister &register_;
     FontFolders &folders_;
     KeptAnswers kept_;
+    KeptNames names_;
     ProviderList providers_;
     bool has_all_fonts_ = false;
     std::vector<Errand> held_; // by those who will be told to ask again

@@ -33,10 +33,14 @@ OutgoingMemory ArrayMemory(Ref<const ValArray> array) {
 }
 
 // A URL's text; nothing for null, and for one that does not fit.
-OutgoingReply WithURL(const ValURL *url) {
-    OutgoingReply reply;
+std::string TextToSend(const ValURL *url) {
     const std::string_view text = TValURL(Retain(url)).Text();
-    if (text.size() < kLongestURL) reply.text = text;
+    return std::string(text.size() < kLongestURL ? text : std::string_view());
+}
+
+OutgoingReply WithText(std::string text) noexcept {
+    OutgoingReply reply;
+    reply.text = std::move(text);
     return reply;
 }
 
@@ -110,14 +114,18 @@ OutgoingReply AnswerFamilyNamesForLanguage(FontServer &server, const MessageRow 
 
 OutgoingReply AnswerFontWithName(FontServer &server, const MessageRow &,
                                  const ReceivedArguments &arguments) {
-    const TValStr name(arguments[0].text);
-    return WithURL(name ? server.Fonts().CopyFontForName(name.Get(), kVLScopeProcess).Get() : nullptr);
+    const std::string_view text = arguments[0].text;
+    return WithText(server.Names().Get(text, [&] {
+        const TValStr name(text);
+        return name ? TextToSend(server.Fonts().CopyFontForName(name.Get(), kVLScopeProcess).Get())
+                    : std::string();
+    }));
 }
 
 OutgoingReply AnswerFontForCharacter(FontServer &server, const MessageRow &,
                                      const ReceivedArguments &arguments) {
     const auto font = server.Fonts().CopyFontForCharacter(arguments[0].word, kVLScopeProcess, 0);
-    return WithURL(font.Get());
+    return WithText(TextToSend(font.Get()));
 }
 
 // A request for a URL alone asks for the fonts at that URL: both kinds of lookup travel alike.
