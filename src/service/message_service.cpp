@@ -61,11 +61,12 @@ bool MessageService::AcceptOne() {
     return false;
 }
 
-// Descriptors are numbered from below: a high number says that few are left.
+// Descriptors are numbered from below: a high number says that few are left. One process has at most a
+// third of them at each of the two services that a program may have, so that some are left for all others.
 bool MessageService::HasRoomFor(int socket, pid_t process) const {
     const auto others = connections_.find(process);
     const int count = others == connections_.end() ? 0 : others->second;
-    return socket < most_descriptors_ - kReserve && count < (most_descriptors_ - kReserve) / 2;
+    return socket < most_descriptors_ - kReserve && count < (most_descriptors_ - kReserve) / 3;
 }
 
 void MessageService::Pause() {
