@@ -5,7 +5,6 @@
 #include "platform/app/loadable_bundle.hpp"
 #include "platform/val/string.hpp"
 #include "store/font_reference.hpp"
-#include "store/recent_absence.hpp"
 
 #include <vellum/fount.h>
 
@@ -16,20 +15,6 @@
 namespace vellum {
 
 namespace {
-
-constinit RecentAbsence sAbsence;
-
-// Whether the service's code is there. Where it is not, that is believed for a moment.
-bool IsFountThere() noexcept {
-    if (sAbsence.IsBelieved()) return false;
-    try {
-        const ValString *framework = TSessionManager().GetFrameworkDirPath();
-        if (framework && HasBundleCode(Text(framework))) return true;
-        sAbsence.Note();
-    } catch (...) { // memory is exhausted
-    }
-    return false;
-}
 
 // A function of the service, looked up by name until it is found. Two threads may both look.
 //
@@ -42,7 +27,7 @@ public:
 
     Function *Find() noexcept {
         Function *function = function_.load(std::memory_order_relaxed);
-        if (function || !IsFountThere()) return function;
+        if (function) return function;
         function = reinterpret_cast<Function *>(LoadFountFunction(name_));
         function_.store(function, std::memory_order_relaxed);
         return function;
@@ -86,9 +71,20 @@ void TellOfAvailability(const void *fonts, bool is_array, bool enables, VLFontFl
              [&](FountEnableURLsFunction *tell) { tell(fonts, is_array, enables, flags, scope); });
 }
 
+bool IsFountThere() noexcept {
+    try {
+        const ValString *framework = TSessionManager().GetFrameworkDirPath();
+        return framework && HasBundleCode(Text(framework));
+    } catch (...) { // memory is exhausted
+        return false;
+    }
+}
+
 } // namespace
 
+// A process without the service asks its folder once, not for each function.
 void FindFountFunctions() noexcept {
+    if (!sRegisterURLs.Known() && !IsFountThere()) return;
     sRegisterURLs.Find();
     sFindFromContainer.Find();
     sGetContainer.Find();
