@@ -230,6 +230,7 @@ TEST_F(Background, ServerThatIsStoppedLeavesTheSocketThatItWasGiven) {
     ASSERT_TRUE(listener.IsOpen());
     const pid_t process = Begin({}, [&] {
         ::dup2(listener.Get(), 3);
+        ::fcntl(3, F_SETFD, 0); // which dup2 leaves where 3 is the listener itself
         ::setenv("LISTEN_PID", std::to_string(::getpid()).c_str(), 1);
         ::setenv("LISTEN_FDS", "1", 1);
     });
