@@ -3,6 +3,7 @@
 
 #include "describe/client_font_entity.hpp"
 #include "platform/font/font_kind.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "platform/font/limits.hpp"
 #include "platform/font/type_identifier.hpp"
 #include "platform/val/string.hpp"

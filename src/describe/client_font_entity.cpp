@@ -9,6 +9,7 @@
 #include "describe/locale_manager.hpp"
 #include "describe/tables/cmap_table.hpp"
 #include "describe/tables/os2_table.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "values/val_array.hpp"
 #include "values/val_bookmark.hpp"
 #include "values/val_dictionary.hpp"

@@ -48,9 +48,9 @@ public:
     // In the face's own language, the user's and the system's, which are often one; in each the names in
     // the given order.
     void AddLocalized(std::initializer_list<GxNameKey> keys) {
-        const TUserLocale &user = UserLocale();
-        const std::string_view languages[] = {Text(locale_), user.GetCurrentLocale(),
-                                              user.GetSystemLocale()};
+        const auto user = UserLocale();
+        const std::string_view languages[] = {Text(locale_), user->GetCurrentLocale(),
+                                              user->GetSystemLocale()};
         for (auto language = std::begin(languages); language != std::end(languages); ++language) {
             if (std::find(std::begin(languages), language, *language) != language) continue;
             for (const GxNameKey key : keys) Add(CopyNameInLanguage(font_.Get(), key, *language));

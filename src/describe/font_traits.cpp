@@ -10,6 +10,7 @@
 #include "describe/tables/os2_table.hpp"
 #include "describe/tables/post_table.hpp"
 #include "describe/variation_values.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "platform/val/static_string.hpp"
 #include "values/val_dictionary.hpp"
 #include "values/val_number.hpp"

@@ -98,7 +98,8 @@ Ref<const void> TClientFontEntity::CopyLocalizedName(const ValString *key, bool 
     if (!key || kind == std::end(kNameKinds)) return nullptr;
     const TValArray listed(GxFontCopyNameLanguages(font_.Get()));
     NameList names;
-    for (const std::string &preferred : UserLocale().GetPreferredLanguages()) {
+    const auto user = UserLocale();
+    for (const std::string &preferred : user->GetPreferredLanguages()) {
         for (const std::string &language : LanguageAndParents(preferred)) {
             if (!listed.Contains(TValStr(language).Get())) continue;
             auto name = CopyFirst(font_.Get(), *kind, language);

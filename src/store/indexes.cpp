@@ -2,6 +2,7 @@
 // The indexes of a register: made when first asked for, then kept current by every change.
 #include "describe/client_font_entity.hpp"
 #include "describe/font_properties.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "platform/process/passing_failures.hpp"
 #include "store/font_name_index.hpp"
 #include "store/font_path_index.hpp"

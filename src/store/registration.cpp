@@ -3,6 +3,7 @@
 #include "describe/directory_flags.hpp"
 #include "describe/gx_font_wrapper.hpp"
 #include "frame/registry/generation_seed.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "platform/font/type_identifier.hpp"
 #include "store/change_each.hpp"
 #include "store/legacy_bridge.hpp"

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 # What loading the library costs every process: it needs only the libraries of a short list, and
-# runs nothing at load that an empty library would not run.
+# runs nothing at load that an empty library would not run. Nor has it objects that are destroyed with a
+# thread: using one for the first time waits for the loader, which another thread may have.
 # check_needed.py LIBRARY COMPILER
 import os
 import re
@@ -50,7 +51,14 @@ def empty_library(compiler, folder):
     return path
 
 
+def registers_at_threads(library):
+    """Whether the library has what is destroyed with a thread: the compiler then asks the C++ or C library for it."""
+    return re.search(r"\sUND\s+__cxa_thread_atexit", readelf(library, "--dyn-syms")) is not None
+
+
 def faults_of(library, compiler):
+    if registers_at_threads(library):
+        yield "has thread_local objects with destructors"
     for name in needed_libraries(library):
         if name not in NEEDED and not LOADER.match(name):
             yield f"needs {name}, which is not on the list"

@@ -141,6 +141,17 @@ class Needed(Case):
         self.assert_found(".init_array", self.build(
             "libobject.so", "#include <string>\nstd::string text(getenv(\"HOME\"));", compiler=CXX, language="c++"))
 
+    def test_a_thread_local_object_that_is_plain_passes(self):
+        status, output = self.check(self.build(
+            "libplain.so", "constinit thread_local int *x = nullptr; int **a() { return &x; }", "-std=c++20",
+            "-static-libgcc", compiler=CXX, language="c++"))
+        self.assertEqual(status, 0, output)
+
+    def test_an_object_destroyed_with_a_thread_is_found(self):
+        self.assert_found("thread_local objects with destructors", self.build(
+            "libthread.so", "#include <memory>\nint *a() { static thread_local std::unique_ptr<int> x; return x.get(); }",
+            compiler=CXX, language="c++"))
+
     def test_the_stream_header_is_found(self):
         self.assert_found(".init_array", self.build("libstream.so", "#include <iostream>\n",
                                                     compiler=CXX, language="c++"))

@@ -57,7 +57,7 @@ std::vector<NameRecord> Joined(const std::vector<std::vector<NameRecord>> &parts
 TEST(EntityNameLists, HaveTheNameTablesThenTheFacesLanguageThenTheUsersThenTheMachines) {
     // The machine's language is not the test's to choose: the font has names in whichever it is. Should it
     // be English, then the first of the English records is its, and the usual one the name table's.
-    const std::string machine = UserLocale().GetSystemLocale();
+    const std::string machine = UserLocale()->GetSystemLocale();
     for (const char *other : {"ja", "fr", "el"})
         if (machine == other) GTEST_SKIP() << "the machine reads one of the other languages";
     const auto names =

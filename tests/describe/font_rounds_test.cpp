@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Rounds of reading: what is asked of a font in one round opens its file once, and nothing stays open.
 #include "describe/entities.hpp"
+#include "platform/font/gx_font_round.hpp"
 
 #include <gtest/gtest.h>
 

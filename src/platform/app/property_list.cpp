@@ -98,7 +98,8 @@ struct ParserDeleter {
 class Reader {
 public:
     Ref<const void> Read(const char *bytes, size_t length) {
-        const std::unique_ptr<XML_ParserStruct, ParserDeleter> parser(XML_ParserCreate("UTF-8"));
+        const std::unique_ptr<XML_ParserStruct, ParserDeleter> parser(
+            sExpat.Open() ? XML_ParserCreate("UTF-8") : nullptr);
         if (!parser) {
             ++tPassingFailures;
             return nullptr;

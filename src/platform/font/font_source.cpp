@@ -3,7 +3,7 @@
 #include "platform/font/font_source.hpp"
 
 #include "platform/font/guarded.hpp"
-#include "platform/font/gx_font.hpp"
+#include "platform/font/gx_font_round.hpp"
 #include "platform/font/limits.hpp"
 
 #include <sys/xattr.h>
@@ -14,23 +14,10 @@
 namespace vellum {
 namespace {
 
-// The round that spans several questions on this thread, and the file that it last read.
-struct TRound {
-    bool IsUnderWay() const noexcept { return depth != 0; }
-
-    unsigned depth = 0;
-    TFileIdentity identity;
-    std::shared_ptr<const TDescriptor> file;
-};
-thread_local TRound tRound;
-
 // Reads a file that was opened, and leaves it to the rest of the round.
 TReading Begin(TDescriptor opened, const TFileIdentity &identity) {
     auto file = std::make_shared<const TDescriptor>(std::move(opened));
-    if (tRound.IsUnderWay()) {
-        tRound.identity = identity;
-        tRound.file = file;
-    }
+    GxFontRound::Keep(file, identity);
     return TReading(std::move(file), identity.size);
 }
 
@@ -75,8 +62,7 @@ TBuffer TReading::CopyAttribute(const char *name, size_t limit) const {
 }
 
 TReading TFileSource::Open() const {
-    if (tRound.IsUnderWay() && tRound.file && tRound.identity == identity_)
-        return TReading(tRound.file, identity_.size);
+    if (auto file = GxFontRound::Find(identity_)) return TReading(std::move(file), identity_.size);
     TFileIdentity identity;
     TDescriptor opened = OpenRegularFile(path_.c_str(), &identity);
     if (!opened.IsOpen() || identity != identity_) {
@@ -84,14 +70,6 @@ TReading TFileSource::Open() const {
         return TReading();
     }
     return Begin(std::move(opened), identity);
-}
-
-GxFontRound::GxFontRound() noexcept {
-    ++tRound.depth;
-}
-
-GxFontRound::~GxFontRound() {
-    if (--tRound.depth == 0) tRound.file = nullptr;
 }
 
 // The caller holds the source, and the source the data, for as long as the round lasts.

@@ -122,17 +122,6 @@ double GxFontGetItalicAngle(const GxFont *font) noexcept;
 bool GxFontIsFixedPitch(const GxFont *font) noexcept;
 bool GxFontIsBitmapOnly(const GxFont *font) noexcept;
 
-// While one of these lives, what this thread asks is one round of reading: a file is opened when something
-// is first read of it, and stays open for what follows, until another file is read or the round ends. They
-// may be nested. A descriptor is held meanwhile: make one for a few questions about a font, and let it go.
-class GxFontRound {
-public:
-    GxFontRound() noexcept;
-    ~GxFontRound();
-    GxFontRound(const GxFontRound &) = delete;
-    GxFontRound &operator=(const GxFontRound &) = delete;
-};
-
 // What the floors above derive from a font and keep with it.
 class GxFontCompanion {
 public:

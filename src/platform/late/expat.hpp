@@ -6,18 +6,21 @@
 
 #include <expat.h>
 
+// clang-format off
+#define VELLUM_EXPAT_FUNCTIONS(FUNCTION) \
+    FUNCTION(XML_GetErrorCode) \
+    FUNCTION(XML_Parse) \
+    FUNCTION(XML_ParserCreate) \
+    FUNCTION(XML_ParserFree) \
+    FUNCTION(XML_SetCharacterDataHandler) \
+    FUNCTION(XML_SetElementHandler) \
+    FUNCTION(XML_SetStartDoctypeDeclHandler) \
+    FUNCTION(XML_SetUserData) \
+    FUNCTION(XML_StopParser)
+// clang-format on
+
 namespace vellum {
 
-inline constinit LateLibrary sExpat{"libexpat.so.1"};
-
-VELLUM_LATE_FUNCTION(sExpat, XML_GetErrorCode);
-VELLUM_LATE_FUNCTION(sExpat, XML_Parse);
-VELLUM_LATE_FUNCTION(sExpat, XML_ParserCreate);
-VELLUM_LATE_FUNCTION(sExpat, XML_ParserFree);
-VELLUM_LATE_FUNCTION(sExpat, XML_SetCharacterDataHandler);
-VELLUM_LATE_FUNCTION(sExpat, XML_SetElementHandler);
-VELLUM_LATE_FUNCTION(sExpat, XML_SetStartDoctypeDeclHandler);
-VELLUM_LATE_FUNCTION(sExpat, XML_SetUserData);
-VELLUM_LATE_FUNCTION(sExpat, XML_StopParser);
+VELLUM_LATE_LIBRARY(sExpat, "libexpat.so.1", VELLUM_EXPAT_FUNCTIONS);
 
 } // namespace vellum

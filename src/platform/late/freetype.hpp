@@ -14,24 +14,27 @@
 #include FT_TRUETYPE_TABLES_H
 #include FT_TYPE1_TABLES_H
 
+// clang-format off
+#define VELLUM_FREETYPE_FUNCTIONS(FUNCTION) \
+    FUNCTION(FT_Add_Default_Modules) \
+    FUNCTION(FT_Done_Face) \
+    FUNCTION(FT_Get_BDF_Property) \
+    FUNCTION(FT_Get_First_Char) \
+    FUNCTION(FT_Get_Module) \
+    FUNCTION(FT_Get_Next_Char) \
+    FUNCTION(FT_Get_PS_Font_Info) \
+    FUNCTION(FT_Get_Postscript_Name) \
+    FUNCTION(FT_Load_Sfnt_Table) \
+    FUNCTION(FT_New_Library) \
+    FUNCTION(FT_Open_Face) \
+    FUNCTION(FT_Select_Charmap) \
+    FUNCTION(FT_Stream_OpenBzip2) \
+    FUNCTION(FT_Stream_OpenGzip) \
+    FUNCTION(FT_Stream_OpenLZW)
+// clang-format on
+
 namespace vellum {
 
-inline constinit LateLibrary sFreeType{"libfreetype.so.6"};
-
-VELLUM_LATE_FUNCTION(sFreeType, FT_Add_Default_Modules);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Done_Face);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_BDF_Property);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_First_Char);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_Module);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_Next_Char);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_PS_Font_Info);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Get_Postscript_Name);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Load_Sfnt_Table);
-VELLUM_LATE_FUNCTION(sFreeType, FT_New_Library);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Open_Face);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Select_Charmap);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Stream_OpenBzip2);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Stream_OpenGzip);
-VELLUM_LATE_FUNCTION(sFreeType, FT_Stream_OpenLZW);
+VELLUM_LATE_LIBRARY(sFreeType, "libfreetype.so.6", VELLUM_FREETYPE_FUNCTIONS);
 
 } // namespace vellum

@@ -7,26 +7,29 @@
 #include <hb-ot.h>
 #include <hb.h>
 
+// clang-format off
+#define VELLUM_HARFBUZZ_FUNCTIONS(FUNCTION) \
+    FUNCTION(hb_blob_create) \
+    FUNCTION(hb_blob_get_empty) \
+    FUNCTION(hb_face_collect_unicodes) \
+    FUNCTION(hb_face_create_for_tables) \
+    FUNCTION(hb_face_destroy) \
+    FUNCTION(hb_face_get_empty) \
+    FUNCTION(hb_face_set_glyph_count) \
+    FUNCTION(hb_ot_var_get_axis_count) \
+    FUNCTION(hb_ot_var_get_axis_infos) \
+    FUNCTION(hb_ot_var_get_named_instance_count) \
+    FUNCTION(hb_ot_var_named_instance_get_design_coords) \
+    FUNCTION(hb_ot_var_named_instance_get_postscript_name_id) \
+    FUNCTION(hb_ot_var_named_instance_get_subfamily_name_id) \
+    FUNCTION(hb_set_allocation_successful) \
+    FUNCTION(hb_set_create) \
+    FUNCTION(hb_set_destroy) \
+    FUNCTION(hb_set_next_many)
+// clang-format on
+
 namespace vellum {
 
-inline constinit LateLibrary sHarfBuzz{"libharfbuzz.so.0"};
-
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_blob_create);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_blob_get_empty);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_face_collect_unicodes);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_face_create_for_tables);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_face_destroy);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_face_get_empty);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_face_set_glyph_count);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_get_axis_count);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_get_axis_infos);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_get_named_instance_count);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_named_instance_get_design_coords);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_named_instance_get_postscript_name_id);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_ot_var_named_instance_get_subfamily_name_id);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_set_allocation_successful);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_set_create);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_set_destroy);
-VELLUM_LATE_FUNCTION(sHarfBuzz, hb_set_next_many);
+VELLUM_LATE_LIBRARY(sHarfBuzz, "libharfbuzz.so.0", VELLUM_HARFBUZZ_FUNCTIONS);
 
 } // namespace vellum

@@ -7,19 +7,27 @@
 
 namespace vellum {
 
-// Two threads may open it at once: they get the same handle.
+// Two threads may open it at once: they find the same addresses. Those of a library that lacks a function
+// are found in vain, and may be called: it stays in the process.
 bool LateLibrary::OpenNow() noexcept {
-    void *handle = ::dlopen(name_, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-    if (!handle) {
-        ++tPassingFailures;
-        return false;
+    bool is_whole = false;
+    if (void *handle = ::dlopen(name_, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) {
+        is_whole = true;
+        for (const Function &function : functions_) {
+            void *address = ::dlsym(handle, function.name);
+            if (!address) is_whole = false;
+            function.address->store(address, std::memory_order_release);
+        }
     }
-    handle_.store(handle, std::memory_order_release);
-    return true;
+    if (is_whole)
+        is_open_.store(true, std::memory_order_release);
+    else
+        ++tPassingFailures;
+    return is_whole;
 }
 
-void *LateLibrary::Find(const char *function) noexcept {
-    return Open() ? ::dlsym(handle_.load(std::memory_order_acquire), function) : nullptr;
+void NoteClosedLibrary() noexcept {
+    ++tPassingFailures;
 }
 
 } // namespace vellum

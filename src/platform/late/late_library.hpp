@@ -9,68 +9,77 @@
 #pragma once
 
 #include <atomic>
+#include <span>
 
 namespace vellum {
 
-// Opened once and never closed. Any thread may use it. Opening runs code of other libraries under the
-// loader's lock: who holds a lock while calling the functions opens the library before taking it.
+// Opened once and never closed. Any thread may use it.
+//
+// Opening waits for the loader, which another thread may have while code that it loads asks for fonts: who
+// holds a lock while calling the functions opens the library before taking it.
 class LateLibrary {
 public:
-    // By its soname, a constant.
-    explicit constexpr LateLibrary(const char *name) noexcept : name_(name) {}
+    struct Function {
+        const char *name;
+        std::atomic<void *> *address; // null until the library is open
+    };
+
+    // By its soname, with the functions that are called. Both stay where they are.
+    constexpr LateLibrary(const char *name, std::span<const Function> functions) noexcept
+        : name_(name), functions_(functions) {}
     LateLibrary(const LateLibrary &) = delete;
     LateLibrary &operator=(const LateLibrary &) = delete;
 
-    bool IsOpen() const noexcept { return handle_.load(std::memory_order_acquire); }
+    bool IsOpen() const noexcept { return is_open_.load(std::memory_order_acquire); }
 
-    // False, and a failure that passes, where it cannot be opened: memory or descriptors have run out, or
-    // it is not there. The next call tries again.
+    // False, and a failure that passes, where it cannot be opened: memory or descriptors have run out, it
+    // is not there, or so old that it lacks a function. The next call tries again.
     bool Open() noexcept { return IsOpen() || OpenNow(); }
-
-    // Null where the library cannot be opened or has no such function.
-    void *Find(const char *function) noexcept;
 
 private:
     bool OpenNow() noexcept;
 
     const char *const name_;
-    std::atomic<void *> handle_ = nullptr;
+    const std::span<const Function> functions_;
+    std::atomic<bool> is_open_ = false;
 };
+
+// A call of a late library's function before that is open: a failure that passes.
+void NoteClosedLibrary() noexcept;
 
 template <class Signature>
 class LateFunction;
 
-// A function of a late library. Where that cannot be opened a call does nothing and gives zero, false or
-// null: who needs to know asks Open.
+// A function of a late library. While that is not open a call does nothing and gives zero, false or null.
 template <class Result, class... Arguments>
 class LateFunction<Result(Arguments...)> {
 public:
-    constexpr LateFunction(LateLibrary &library, const char *name) noexcept
-        : library_(library), name_(name) {}
+    constexpr LateFunction() noexcept = default;
     LateFunction(const LateFunction &) = delete;
     LateFunction &operator=(const LateFunction &) = delete;
 
-    Result operator()(Arguments... arguments) noexcept {
-        Function *function = function_.load(std::memory_order_relaxed);
-        if (!function) {
-            function = reinterpret_cast<Function *>(library_.Find(name_));
-            function_.store(function, std::memory_order_relaxed);
-        }
-        return function ? function(arguments...) : Result();
+    Result operator()(Arguments... arguments) const noexcept {
+        if (void *address = address_.load(std::memory_order_acquire))
+            return reinterpret_cast<Result (*)(Arguments...)>(address)(arguments...);
+        NoteClosedLibrary();
+        return Result();
     }
 
-private:
-    using Function = Result(Arguments...);
+    constexpr std::atomic<void *> *Address() noexcept { return &address_; }
 
-    LateLibrary &library_;
-    const char *const name_;
-    std::atomic<Function *> function_ = nullptr;
+private:
+    std::atomic<void *> address_ = nullptr;
 };
 
 } // namespace vellum
 
-// Names a function of a late library, whose header has declared it.
-#define VELLUM_LATE_FUNCTION(library, name)                                                                \
-    inline constinit LateFunction<decltype(::name)> name {                                                 \
-        library, #name                                                                                     \
+// Defines a late library and its functions. FUNCTIONS(FUNCTION) calls FUNCTION with the name of each, which
+// a header has declared.
+#define VELLUM_LATE_LIBRARY(library, soname, FUNCTIONS)                                                    \
+    FUNCTIONS(VELLUM_LATE_FUNCTION)                                                                        \
+    inline constexpr LateLibrary::Function library##Functions[] = {FUNCTIONS(VELLUM_LATE_ENTRY)};          \
+    inline constinit LateLibrary library {                                                                 \
+        soname, library##Functions                                                                         \
     }
+#define VELLUM_LATE_FUNCTION(name) inline constinit LateFunction<decltype(::name)> name;
+#define VELLUM_LATE_ENTRY(name) {#name, name.Address()},

@@ -119,19 +119,19 @@ TUserLocale::TUserLocale(const LocaleEnvironment &environment)
     if (preferred_.empty()) preferred_.push_back(current_);
 }
 
-const TUserLocale &UserLocale() {
-    if (const TUserLocale *known = sUserLocale.load(std::memory_order_acquire)) return *known;
+std::shared_ptr<const TUserLocale> UserLocale() {
+    const auto for_ever = [](const TUserLocale *locale) {
+        return std::shared_ptr<const TUserLocale>(std::shared_ptr<const void>(), locale);
+    };
+    if (const TUserLocale *known = sUserLocale.load(std::memory_order_acquire)) return for_ever(known);
     const uint32_t failures = tPassingFailures;
     auto fresh = ReadUserLocale();
-    if (failures != tPassingFailures) { // the machine's may be missing: it is read again next time
-        static thread_local std::unique_ptr<const TUserLocale> tIncomplete;
-        tIncomplete = std::move(fresh);
-        return *tIncomplete;
-    }
+    if (failures != tPassingFailures)
+        return fresh; // the machine's may be missing: it is read again next time
     const TUserLocale *current = nullptr;
     if (sUserLocale.compare_exchange_strong(current, fresh.get(), std::memory_order_acq_rel))
-        return *fresh.release(); // never torn down: programs ask until they end
-    return *current;
+        return for_ever(fresh.release()); // never torn down: programs ask until they end
+    return for_ever(current);
 }
 
 } // namespace vellum

@@ -3,6 +3,7 @@
 // have them.
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -42,8 +43,8 @@ private:
     std::vector<std::string> preferred_;
 };
 
-// Those of this process, read by the first call that can read them and kept. Throws std::bad_alloc when
-// memory is exhausted.
-const TUserLocale &UserLocale();
+// Those of this process, never null. Read by the first call that can read all of them, and then the same
+// for ever; until then each call's own. Throws std::bad_alloc when memory is exhausted.
+std::shared_ptr<const TUserLocale> UserLocale();
 
 } // namespace vellum

@@ -138,17 +138,17 @@ TEST(UserLocale, ReadsTheEnvironmentOnce) {
     setenv("LC_ALL", "", 1);
     setenv("LC_MESSAGES", "ja_JP.UTF-8", 1);
     setenv("LANGUAGE", "de:ja", 1);
-    EXPECT_EQ(UserLocale().GetCurrentLocale(), "ja");
+    EXPECT_EQ(UserLocale()->GetCurrentLocale(), "ja");
     setenv("LC_ALL", "fr_FR", 1);
-    EXPECT_EQ(UserLocale().GetCurrentLocale(), "ja");
-    EXPECT_THAT(UserLocale().GetPreferredLanguages(), ElementsAre("de", "ja"));
-    EXPECT_NE(UserLocale().GetSystemLocale(), "");
+    EXPECT_EQ(UserLocale()->GetCurrentLocale(), "ja");
+    EXPECT_THAT(UserLocale()->GetPreferredLanguages(), ElementsAre("de", "ja"));
+    EXPECT_NE(UserLocale()->GetSystemLocale(), "");
 }
 
 TEST(ConcurrentUserLocale, IsOneForAllThreads) {
     std::array<const TUserLocale *, kThreads> seen = {};
-    OnEveryThread([&](size_t i) { seen[i] = &UserLocale(); });
-    for (const TUserLocale *locale : seen) EXPECT_EQ(locale, &UserLocale());
+    OnEveryThread([&](size_t i) { seen[i] = UserLocale().get(); });
+    for (const TUserLocale *locale : seen) EXPECT_EQ(locale, UserLocale().get());
 }
 
 } // namespace
