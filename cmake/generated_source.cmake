@@ -21,7 +21,7 @@ function(add_generated_source program folder source)
     add_custom_command(
         OUTPUT ${source}
         COMMAND ${command} ${source}
-        DEPENDS ${program} $<$<NOT:$<BOOL:${CMAKE_CROSSCOMPILING}>>:${command}>
+        DEPENDS ${program} ${command}
         COMMENT "Writing ${name}"
         VERBATIM)
 endfunction()

@@ -20,7 +20,9 @@
  *     font server or are in a callback, and five seconds at the most. The child has the process's own
  *     register as its parent had it then, meets the font server for itself, and has its parent's observers.
  *     What was still to be delivered, and message ports, stay its parent's. posix_spawn and vfork wait for
- *     nothing. A child that was made past the C library's fork, by a system call, calls nothing here.
+ *     nothing. A child that was made past the C library's fork, by a system call, calls nothing here, and
+ *     one that was made while another thread was loading code should not be the first to register fonts:
+ * the C library's loader may stay locked in it.
  *
  * Fonts stand in two registers: the process's own, which only this process sees, and the shared
  * one. Every function takes a scope word that says which of them is meant.

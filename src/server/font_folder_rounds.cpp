@@ -8,6 +8,7 @@
 #include "server/font_folders.hpp"
 #include "values/val_url.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -26,7 +27,8 @@ std::chrono::milliseconds PollPeriod() noexcept {
     int64_t period = 0;
     const char *text = GetEnvironment("VELLUM_POLL_MILLISECONDS");
     if (text) std::from_chars(text, text + std::strlen(text), period);
-    return std::chrono::milliseconds(period > 0 ? period : 30'000);
+    constexpr int64_t kDay = 86'400'000;
+    return std::chrono::milliseconds(period > 0 ? std::min(period, kDay) : 30'000);
 }
 
 std::string URLText(const std::string &path) {

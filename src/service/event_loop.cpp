@@ -58,11 +58,11 @@ void EventLoop::Forget(int descriptor) noexcept {
 void EventLoop::SetAlarm() noexcept {
     if (later_.empty()) return;
     const Clock::time_point first = later_.begin()->first;
-    if (alarm_is_set_ != Clock::time_point() && alarm_is_set_ <= first) return;
+    if (alarm_time_ != Clock::time_point() && alarm_time_ <= first) return;
     const auto seconds = std::chrono::floor<std::chrono::seconds>(first.time_since_epoch());
     const std::chrono::nanoseconds rest = first.time_since_epoch() - seconds;
     const itimerspec time = {{}, {seconds.count(), rest.count()}};
-    if (::timerfd_settime(alarm_.Get(), TFD_TIMER_ABSTIME, &time, nullptr) == 0) alarm_is_set_ = first;
+    if (::timerfd_settime(alarm_.Get(), TFD_TIMER_ABSTIME, &time, nullptr) == 0) alarm_time_ = first;
 }
 
 void EventLoop::HandleEvents() {
@@ -80,9 +80,10 @@ void EventLoop::HandleEvents() {
 void EventLoop::HandleTime() {
     uint64_t expirations;
     if (::read(alarm_.Get(), &expirations, sizeof expirations) < 0) return; // set anew meanwhile
-    alarm_is_set_ = {};
+    alarm_time_ = {};
     while (!later_.empty() && later_.begin()->first <= Clock::now()) {
         const auto call = std::move(later_.extract(later_.begin()).mapped());
+        SetAlarm(); // the call may throw
         call();
     }
     SetAlarm();

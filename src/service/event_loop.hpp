@@ -7,6 +7,7 @@
 
 #include "platform/fs/file.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -43,9 +44,9 @@ public:
     // Has work done that waits for no other: a slice of each such work in turn.
     void AddSideWork(Slice slice) { in_turn_.push(std::move(slice)); }
 
-    // Has something called once, not before so much time has passed.
+    // Has something called once, not before so much time has passed: a year at the most.
     void CallLater(std::chrono::milliseconds delay, std::function<void()> call) {
-        later_.emplace(Clock::now() + delay, std::move(call));
+        later_.emplace(Clock::now() + std::min(delay, kLongestDelay), std::move(call));
         SetAlarm();
     }
 
@@ -61,6 +62,8 @@ private:
 
     using Clock = std::chrono::steady_clock;
 
+    static constexpr std::chrono::milliseconds kLongestDelay = std::chrono::years(1); // times have an end
+
     bool HasWork() const noexcept { return !in_order_.empty() || !in_turn_.empty(); }
     void SetAlarm() noexcept;
     void HandleEvents();
@@ -72,8 +75,8 @@ private:
     uint32_t last_number_ = 0;
     std::queue<Slice> in_order_, in_turn_;
     std::multimap<Clock::time_point, std::function<void()>> later_;
-    TDescriptor alarm_;              // a timer, watched like everything else
-    Clock::time_point alarm_is_set_; // for when; the clock's beginning while it is not
+    TDescriptor alarm_;            // a timer, watched like everything else
+    Clock::time_point alarm_time_; // for when it is set; the clock's beginning while it is not
     bool is_running_ = false;
 };
 

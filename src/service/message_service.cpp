@@ -62,7 +62,7 @@ bool MessageService::AcceptOne() {
 }
 
 // Descriptors are numbered from below: a high number says that few are left. One process has at most a
-// third of them at each of the two services that a program may have, so that some are left for all others.
+// third of them: a program may be two services, and some are to be left for others.
 bool MessageService::HasRoomFor(int socket, pid_t process) const {
     const auto others = connections_.find(process);
     const int count = others == connections_.end() ? 0 : others->second;

@@ -2,11 +2,15 @@
 // Memory that runs out while a fact of a face is derived leaves nothing wrong behind.
 #include "describe/entities.hpp"
 #include "describe/metadata_files.hpp"
+#include "platform/font/freetype_library.hpp"
 #include "support/allocations.hpp"
+#include "support/bitmap_fonts.hpp"
 #include "values/string_uniquer.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <new>
 
@@ -117,6 +121,53 @@ TEST_F(FaceFactsWithoutMemory, OfLanguagesAreRightNextTime) {
 
 TEST_F(FaceFactsWithoutMemory, OfEveryKindAreRightNextTimeWhicheverFailed) {
     AskWithoutMemory([](const TClientFontEntity &entity) { return entity.CopyRegistrationProperties(); });
+}
+
+TEST_F(FaceFactsWithoutMemory, OfBitmapFontsAreRightNextTime) {
+    const auto bitmap = folder.Add("a.pcf", BuildPcf({}));
+    const auto fresh = [&] {
+        FacetFontPurgeCaches(nullptr);
+        return CreateFontFromURL(bitmap.Get());
+    };
+    const auto ask = [](const TClientFontEntity &entity) { return entity.CopyCharacterSet(); };
+    const auto expected = ask(TClientFontEntity(fresh()));
+    ASSERT_TRUE(ValCharacterSetContains(expected.Get(), 'A'));
+    std::vector<int> wrong;
+    int n = 0;
+    for (bool failed = true; failed; ++n) {
+        const auto font = fresh();
+        failed = AskWithFailure(n, ask, font);
+        if (!ValEqual(ask(TClientFontEntity(font)).Get(), expected.Get())) wrong.push_back(n);
+    }
+    EXPECT_THAT(wrong, ::testing::IsEmpty());
+    EXPECT_GT(n, 10);
+}
+
+// FreeType is set up once in a process: a child for each allocation.
+TEST(FreeTypeWithoutMemory, IsSetUpWithEverythingNextTime) {
+    ASSERT_TRUE(IsAllocatorWrapped());
+    std::vector<int> wrong;
+    int n = 0;
+    for (bool failed = true; failed && n < 10'000; ++n) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            FailAllocationAfter(n);
+            { const TFreeType freetype; }
+            const bool has_failed = HasAllocationFailed();
+            FailAllocationAfter(-1);
+            const TFreeType freetype;
+            bool has_all = freetype.Library();
+            for (const char *driver : {"truetype", "type1", "cff", "t1cid", "type42", "pcf", "bdf"})
+                has_all = has_all && FT_Get_Module(freetype.Library(), driver);
+            ::_exit(has_all ? has_failed : 2);
+        }
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) > 1) wrong.push_back(n);
+        failed = status != 0;
+    }
+    EXPECT_THAT(wrong, ::testing::IsEmpty());
+    EXPECT_GT(n, 20);
 }
 
 // ---- one object for each name -----------------------------------------------------------------------

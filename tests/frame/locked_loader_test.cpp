@@ -4,16 +4,20 @@
 #include "platform/late/freetype.hpp"
 #include "platform/late/harfbuzz.hpp"
 #include "support/named_font.hpp"
+#include "support/sleeping_threads.hpp"
 #include "support/type1_font.hpp"
 #include "support/values.hpp"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <future>
+#include <string>
 #include <thread>
 
 extern "C" void WhileLoaderIsLocked();
@@ -51,8 +55,6 @@ protected:
     }
 
     FontFolder folder;
-
-private:
     std::thread other_;
 };
 
@@ -75,6 +77,23 @@ TEST_F(LockedLoader, KeepsNoThreadFromReadingFonts) {
         EXPECT_TRUE(Adopt(VLCopyAvailableFamilyNames(kVLScopeProcess)));
         EXPECT_TRUE(VLUnregisterFont(type1.Get(), 0, kVLScopeProcess));
     }));
+}
+
+// Loaded code asks for shared fonts when another thread has just begun to, and waits for the loader.
+TEST_F(LockedLoader, IsNoneThatWhoMakesTheSharedRegisterWaitsForWithIt) {
+    std::atomic<pid_t> asking = 0;
+    sWhileLoaderIsLocked = [&] {
+        other_ = std::thread([&] {
+            asking = ::gettid();
+            EXPECT_FALSE(Adopt(VLCopyAvailableFontNames(kVLScopeSession)));
+        });
+        while (asking == 0 || !IsAsleep(asking)) std::this_thread::yield();
+        ::alarm(20); // the end of this process, if the two wait for each other
+        EXPECT_FALSE(Adopt(VLCopyAvailableFontNames(kVLScopeSession)));
+        ::alarm(0);
+    };
+    EXPECT_TRUE(::dlopen(VELLUM_CALLING_BUNDLE, RTLD_NOW)) << ::dlerror();
+    other_.join();
 }
 
 } // namespace

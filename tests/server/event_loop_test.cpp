@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
+#include <new>
 #include <vector>
 
 namespace vellum::test {
@@ -42,6 +44,21 @@ TEST(EventLoop, CallsNothingBeforeItsTimeNorWhatIsDueNeverAtAll) {
     EXPECT_GT(now.count(), 0);
     EXPECT_GE(soon, 15ms);
     EXPECT_GE(soon, now);
+}
+
+TEST(EventLoop, CallsNothingLateForWhatIsAskedForAnAgeAway) {
+    EventLoop loop;
+    loop.CallLater(std::chrono::milliseconds::max(), [] { ADD_FAILURE() << "an age has not passed"; });
+    loop.CallLater(1ms, [&] { loop.Stop(); });
+    loop.Run();
+}
+
+TEST(EventLoop, CallsTheNextAlthoughOneHasThrown) {
+    EventLoop loop;
+    loop.CallLater(0ms, [] { throw std::bad_alloc(); });
+    loop.CallLater(1ms, [&] { loop.Stop(); });
+    EXPECT_THROW(loop.Run(), std::bad_alloc);
+    loop.Run();
 }
 
 TEST(EventLoop, CallsWhatACallHasAskedFor) {

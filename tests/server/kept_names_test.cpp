@@ -2,7 +2,10 @@
 // The answers for names that the server keeps: when they are found anew, and that they are few.
 #include "frame/registry/generation_seed.hpp"
 #include "platform/process/passing_failures.hpp"
+#include "running_server.hpp"
 #include "server/kept_names.hpp"
+#include "support/named_font.hpp"
+#include "support/values.hpp"
 
 #include <gtest/gtest.h>
 
@@ -71,6 +74,29 @@ TEST_F(KeptNamesOfFonts, StayRightHoweverManyAndLongTheyAre) {
                 ASSERT_EQ(Ask(name, ""), url);
             }
     EXPECT_GE(found_, 5000 * 3); // the first have been forgotten meanwhile
+}
+
+// Each change of this process has it ask the server again, which has kept the answer of before.
+TEST(NamesOfARunningServer, AreThoseOfTheFontsThatAreEnabledNow) {
+    RunningServer server;
+    ASSERT_TRUE(server.Start());
+    const FontFolder folder;
+    const auto font = folder.Add("kept.ttf", NamedFace{"Kept"});
+    const auto is_found = [] {
+        constexpr VLActivationOptions kNone = kVLActivationNotFromProviders | kVLActivationNotFromSearch;
+        const auto name = String("Kept-Regular");
+        return static_cast<bool>(Adopt(VLCopyFontWithName(name.Get(), kVLScopeUser, kNone)));
+    };
+    for (const VLScope scope : {kVLScopeSession, kVLScopeUser}) {
+        ASSERT_TRUE(VLRegisterFont(font.Get(), 0, scope));
+        EXPECT_TRUE(is_found()) << scope;
+        VLDisableFonts(Array({font}).Get(), 0, scope);
+        EXPECT_FALSE(is_found()) << scope;
+        VLEnableFonts(Array({font}).Get(), 0, scope);
+        EXPECT_TRUE(is_found()) << scope;
+        ASSERT_TRUE(VLUnregisterFont(font.Get(), 0, scope));
+        EXPECT_FALSE(is_found()) << scope;
+    }
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "support/captured_log.hpp"
 #include "support/named_font.hpp"
 #include "support/other_process.hpp"
+#include "support/sleeping_threads.hpp"
 #include "support/values.hpp"
 #include "values/val_array.hpp"
 #include "values/val_number.hpp"
@@ -303,6 +304,7 @@ TEST_F(Providers, MayBeChildrenOfOthersAndAreAnnouncedForThemselvesAlone) {
     Block block;
     const auto port = block.Offer();
     ASSERT_TRUE(port);
+    WaitUntilOthersSleep(); // the address sanitizer's children have its allocator as it was
     const OtherProcess child(Provide);
     EXPECT_THAT(ListedProcesses(), UnorderedElementsAre(::getpid(), child.ID()));
     server.Kill();

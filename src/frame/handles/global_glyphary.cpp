@@ -32,7 +32,6 @@ constinit std::atomic<uint32_t> sForks{0};                     // that sRegistry
 pthread_once_t sOnce = PTHREAD_ONCE_INIT;
 
 std::unique_ptr<TGlypharyImp> MakeRegisterOfSystemFonts() {
-    OpenEveryLibrary();
     auto registry = std::make_unique<TLocalGlypharyImp>();
     RegisterSystemFontsLocally(*registry);
     return registry;
@@ -77,7 +76,7 @@ void CreateRegistry() noexcept {
 }
 
 // Puts a register in this process in the place of the proxy, which is locked; other threads may wait for
-// it.
+// it. The late libraries are open.
 void LeaveServer() {
     sLeft.store(sRegistry.load(std::memory_order_relaxed), std::memory_order_relaxed);
     Log(LogLevel::kError, "Could not retrieve fonts from the server! Registering system fonts locally...");
@@ -103,6 +102,7 @@ Ref<const T> CachedOr(const void *question, Ask ask) {
 
 const TGlypharyImp &TGlobalGlyphary::Current() const {
     if (!IsCreated()) {
+        if (IsServerIgnored()) OpenEveryLibrary(); // for the system's fonts
         const OutsideLibrary waiting; // perhaps for one who waits for the server; a child begins anew
         ::pthread_once(&sOnce, CreateRegistry);
     }
@@ -139,7 +139,10 @@ template <class List>
 Ref<const ValArray> TGlobalGlyphary::ListOrFallBack(List list) const {
     auto items = list(Locked());
     if (ValArrayGetCount(items.Get()) > 0 || !sIsServers.load(std::memory_order_relaxed)) return items;
-    LeaveServer();
+    Unlock();
+    OpenEveryLibrary(); // for the system's fonts
+    Lock();
+    if (sIsServers.load(std::memory_order_relaxed)) LeaveServer(); // no other thread has, meanwhile
     Lock();
     return list(Locked());
 }

@@ -30,7 +30,6 @@ void CreateRegistry() noexcept {
 } // namespace
 
 const TLocalGlypharyImp &TLocalGlyphary::Current() const {
-    if (!IsCreated()) OpenEveryLibrary(); // the register is locked while it reads fonts
     ::pthread_once(&sOnce, CreateRegistry);
     const TLocalGlypharyImp *registry = sRegistry.load(std::memory_order_acquire);
     if (!registry) throw std::bad_alloc();
@@ -38,6 +37,7 @@ const TLocalGlypharyImp &TLocalGlyphary::Current() const {
 }
 
 TLocalGlyphary::TLocalGlyphary() {
+    OpenEveryLibrary(); // the register is locked while it reads fonts
     Lock();
 }
 

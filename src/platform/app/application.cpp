@@ -55,7 +55,7 @@ std::string ReadText(const std::string &path) {
 
 struct GLibDeleter {
     void operator()(GKeyFile *file) const noexcept { g_key_file_free(file); }
-    void operator()(char *text) const noexcept { g_free(text); }
+    void operator()(char *text) const noexcept { (g_free)(text); } // newer ones have a macro
 };
 
 // Flatpak itself writes the file, in a root folder that belongs to nobody else.

@@ -16,10 +16,14 @@ namespace {
 constinit std::mutex sMutex;
 constinit size_t sHeld = 0;
 
+// A font that asks for more than the ceiling always will; that memory runs out passes.
 void *Allocate(FT_Memory, long size) noexcept {
     if (size <= 0 || static_cast<size_t>(size) > limits::kFreeTypeMemory - sHeld) return nullptr;
     void *block = std::malloc(static_cast<size_t>(size));
-    if (block) sHeld += malloc_usable_size(block);
+    if (block)
+        sHeld += malloc_usable_size(block);
+    else
+        ++tPassingFailures;
     return block;
 }
 
@@ -33,20 +37,26 @@ void *Reallocate(FT_Memory, long, long size, void *block) noexcept {
     const size_t before = malloc_usable_size(block);
     if (static_cast<size_t>(size) > limits::kFreeTypeMemory - (sHeld - before)) return nullptr;
     void *moved = std::realloc(block, static_cast<size_t>(size));
-    if (moved) sHeld = sHeld - before + malloc_usable_size(moved);
+    if (moved)
+        sHeld = sHeld - before + malloc_usable_size(moved);
+    else
+        ++tPassingFailures;
     return moved;
 }
 
 constinit FT_MemoryRec_ sMemory = {nullptr, Allocate, Free, Reallocate};
 
 // Never freed: it serves until the process ends. Its settings are FreeType's own, whatever the
-// environment says.
+// environment says. One that lacks modules, for want of memory, is none.
 FT_Library MakeLibrary() noexcept {
     FT_Library library = nullptr;
     if (!sFreeType.Open()) return nullptr;
+    const uint32_t failures = tPassingFailures;
     if (FT_New_Library(&sMemory, &library) != 0) return nullptr;
     FT_Add_Default_Modules(library);
-    return library;
+    if (failures == tPassingFailures) return library;
+    FT_Done_Library(library);
+    return nullptr;
 }
 
 // Guarded by the mutex, like all of FreeType.

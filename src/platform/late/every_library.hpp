@@ -5,7 +5,9 @@
 
 namespace vellum {
 
-// To be called with no lock held. What cannot be opened now is tried again when it is needed.
+// To be called with no lock held: it may wait for the loader. A fork waits for it, as a child that is made
+// while a thread has the loader's lock never gets it. What cannot be opened now is tried again when it is
+// needed.
 void OpenEveryLibrary() noexcept;
 
 } // namespace vellum

@@ -18,6 +18,7 @@
 #define VELLUM_FREETYPE_FUNCTIONS(FUNCTION) \
     FUNCTION(FT_Add_Default_Modules) \
     FUNCTION(FT_Done_Face) \
+    FUNCTION(FT_Done_Library) \
     FUNCTION(FT_Get_BDF_Property) \
     FUNCTION(FT_Get_First_Char) \
     FUNCTION(FT_Get_Module) \

@@ -34,7 +34,6 @@
     FUNCTION(g_source_set_callback) \
     FUNCTION(g_source_set_can_recurse) \
     FUNCTION(g_source_set_name) \
-    FUNCTION(g_source_set_static_name) \
     FUNCTION(g_source_unref) \
     FUNCTION(g_timeout_source_new) \
     FUNCTION(g_unix_fd_source_new)

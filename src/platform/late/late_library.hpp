@@ -33,15 +33,18 @@ public:
     bool IsOpen() const noexcept { return is_open_.load(std::memory_order_acquire); }
 
     // False, and a failure that passes, where it cannot be opened: memory or descriptors have run out, it
-    // is not there, or so old that it lacks a function. The next call tries again.
+    // is not there, or so old that it lacks a function. The first time is logged. The next call tries
+    // again.
     bool Open() noexcept { return IsOpen() || OpenNow(); }
 
 private:
     bool OpenNow() noexcept;
+    bool Fail() noexcept;
 
     const char *const name_;
     const std::span<const Function> functions_;
     std::atomic<bool> is_open_ = false;
+    std::atomic<bool> is_told_ = false; // that it could not be opened
 };
 
 // A call of a late library's function before that is open: a failure that passes.

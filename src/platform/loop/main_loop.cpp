@@ -60,9 +60,9 @@ public:
         if (wakes) g_main_context_wakeup(nullptr);
     }
 
-    // Whether the loop has something to do at its next pass. Where it has not it may go to sleep, and the
-    // next timer wakes it; those that follow need not, before it asks again.
-    bool HasWork() noexcept {
+    // Begins a pass of the loop: whether it has something to do. Where it has not it may go to sleep, and
+    // the next timer wakes it; those that follow need not, before it asks again.
+    bool BeginPass() noexcept {
         const std::lock_guard lock(mutex_);
         may_sleep_ = timers_.empty();
         return !may_sleep_;
@@ -147,7 +147,7 @@ constinit PerProcess<MainLoop> sMainLoop;
 gboolean Prepare(GSource *, gint *timeout) noexcept {
     bool is_ready = false;
     try {
-        is_ready = sMainLoop.Get().HasWork();
+        is_ready = sMainLoop.Get().BeginPass();
     } catch (...) { // memory is exhausted: this process has no timers yet
     }
     *timeout = is_ready ? 0 : -1;
@@ -162,14 +162,14 @@ gboolean Dispatch(GSource *, GSourceFunc, gpointer) noexcept {
 bool AttachSource() {
     static GSourceFuncs functions = {Prepare, nullptr, Dispatch, nullptr, nullptr, nullptr};
     GSource *source = g_source_new(&functions, sizeof(GSource));
-    g_source_set_name(source, "vellum timers");
+    (g_source_set_name)(source, "vellum timers"); // newer ones have a macro
     g_source_set_can_recurse(source, TRUE);
     g_source_attach(source, nullptr);
     g_source_unref(source); // the context keeps it
     return true;
 }
 
-// Timers that are added where GLib cannot be opened wait until it can.
+// Timers that are added where GLib cannot be opened wait for the next one that is added where it can.
 MainLoop &Loop() {
     if (sGLib.Open()) {
         static const bool is_attached = AttachSource();

@@ -61,7 +61,7 @@ void PrivateLoop::SetTimer(std::chrono::milliseconds delay, TimerAction action, 
         mine->action_(mine->info_);
         return G_SOURCE_REMOVE;
     };
-    g_source_set_static_name(timer_.get(), name_);
+    (g_source_set_name)(timer_.get(), name_); // newer ones have a macro
     g_source_set_callback(timer_.get(), fire, this, nullptr);
     g_source_attach(timer_.get(), context_.get());
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Expat stands for all libraries that are opened late: nothing else brings it into this program.
+// Expat stands for all libraries that are opened late: nothing else brings it into this program, of which
+// ctest gives each test a process.
 #include "platform/late/late_library.hpp"
 #include "platform/process/passing_failures.hpp"
 
