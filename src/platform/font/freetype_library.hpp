@@ -12,18 +12,19 @@ namespace vellum {
 class TFreeType {
 public:
     TFreeType();
+    ~TFreeType();
     TFreeType(const TFreeType &) = delete;
     TFreeType &operator=(const TFreeType &) = delete;
 
     // Null when FreeType could not be set up.
     FT_Library Library() const noexcept { return library_; }
 
-    // FreeType's allocator: bounded by limits::kFreeTypeMemory.
+    // FreeType's allocator: bounded by limits::kFreeTypeMemory, but for small blocks.
     static FT_Memory Memory() noexcept;
 
 private:
     std::lock_guard<std::mutex> lock_;
-    FT_Library library_;
+    FT_Library library_ = nullptr;
 };
 
 } // namespace vellum
