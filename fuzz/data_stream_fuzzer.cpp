@@ -34,6 +34,13 @@ void CheckHeader(const Subject &subject, const VLDataStreamSegment *header) {
     Check(offset >= 0 && static_cast<size_t>(offset) + sizeof *header <= ValDataGetLength(subject.data));
 }
 
+// Whether the header of the read segment lies in the first bytes of a string, and was changed by reading
+// it.
+bool HoldsReadHeader(const Subject &subject, const char *string, size_t length) {
+    const auto *header = reinterpret_cast<const char *>(VLDataStreamCurrentReadSegment(subject.stream));
+    return header && header < string + length && string < header + sizeof(VLDataStreamSegment);
+}
+
 // Strings begin in the buffer, and end in it or with the zero behind it.
 void CheckString(const Subject &subject, const char *string, size_t length) {
     if (!string) return;
@@ -41,7 +48,8 @@ void CheckString(const Subject &subject, const char *string, size_t length) {
     const size_t size = ValDataGetLength(subject.data);
     Check(offset >= 0 && static_cast<size_t>(offset) < size);
     const size_t rest = size - static_cast<size_t>(offset);
-    Check(length <= std::strlen(string) && std::strlen(string) <= rest);
+    Check(length <= rest && std::strlen(string) <= rest);
+    Check(length <= std::strlen(string) || HoldsReadHeader(subject, string, length));
 }
 
 void ReadBytes(const Subject &subject, size_t amount) {

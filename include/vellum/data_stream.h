@@ -165,7 +165,8 @@ VL_EXPORT double VLDataStreamReadDouble(VLDataStream *stream) VL_NOEXCEPT;
  * null. Moves the position by that length and one more for the zero, and counts one item. The string
  * ends at the first zero or at the end of the buffer, behind which the stream keeps a zero of its own;
  * *length is never more than the segment's whole length. Null, with *length 0 and nothing moved, when
- * the segment is empty or read to its end, or the position is not in the buffer.
+ * the segment is empty or read to its end, or the position is not in the buffer. Where a foreign header
+ * has its own segment start before its end, reading changes the string: *length is what it had before.
  */
 VL_EXPORT const char *VLDataStreamReadString(VLDataStream *stream, size_t *length) VL_NOEXCEPT;
 

@@ -56,6 +56,17 @@ TEST(ForeignHeader, MayOverlapItsParent) {
     EXPECT_NE(VLDataStreamCurrentReadSegment(stream.get()), nullptr);
 }
 
+TEST(ForeignHeader, ThatIsAStringOfItsOwnSegmentIsChangedByReadingIt) {
+    // The string is the count, which goes from the highest to 0, and the payload.
+    const auto stream = StreamOver(Words({1, 44, 8, 0, 0, 0xFFFFFFFF}) + "abcd");
+    EXPECT_EQ(VLDataStreamOpenReadSegment(stream.get()), 44u);
+    size_t length = 0;
+    const char *string = VLDataStreamReadString(stream.get(), &length);
+    EXPECT_EQ(length, 8u);
+    EXPECT_EQ(std::string_view(string, length), "\0\0\0\0abcd"sv);
+    EXPECT_EQ(ReadHeader(stream), Words({1, 44, 8, 53, 0, 0}));
+}
+
 TEST(ForeignHeader, ThatTheBufferCutsOffMovesNothing) {
     const std::string header = Words({1, 48, 0, 48, 0, 0});
     for (size_t cut = 1; cut <= header.size(); ++cut) {
