@@ -22,7 +22,7 @@
  *     What was still to be delivered, and message ports, stay its parent's. posix_spawn and vfork wait for
  *     nothing. A child that was made past the C library's fork, by a system call, calls nothing here, and
  *     one that was made while another thread was loading code should not be the first to register fonts:
- * the C library's loader may stay locked in it.
+ *     the C library's loader may stay locked in it.
  *
  * Fonts stand in two registers: the process's own, which only this process sees, and the shared
  * one. Every function takes a scope word that says which of them is meant.
